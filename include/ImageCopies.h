@@ -1,0 +1,28 @@
+/* New images with the form or the content of others. The results own their memory. */
+#ifndef ORV_IMAGE_COPIES_H
+#define ORV_IMAGE_COPIES_H
+
+#include "ORVTypes.h"
+
+ORV_BEGIN_C
+
+/** Makes an image of the same form: planes and data types as in image, pixels not set, identity coordinate map.
+ *  width, height  of the new image; when either is 0, both are taken from image.
+ *  overlay        non-zero marks every plane of the result as an overlay plane.
+ *  out            the new image with one reference.
+ *  Result         false: ErrNotAnImage reported for what is no image; ErrIndexRange when width or height is negative
+ *                 and neither is 0; no report when the image can't be made. An image of plain 8-bit planes becomes
+ *                 what CreateGenericImage makes, one of equal types what CreateGenericImageDT makes. Planes of
+ *                 different types are not supported by this version: false. */
+ORV_API bool CreateCompatibleImage(void *image, intptr_t width, intptr_t height, unsigned char overlay, void **out);
+
+/** Makes a copy of an image: its pixels in plain buffers, and its coordinate map.
+ *  result  the copy with one reference; untouched on failure.
+ *  Result  1; 0 on failure. Reports: ErrNotAnImage for what is no image; ErrGeneral when the target can't be made;
+ *          ErrDataType for each plane whose pixels are not 1, 2, 4 or 8 bytes wide (it is zeroed in the copy), and
+ *          then code 1 when others were copied, ErrDataType and result 0 when none was. */
+ORV_API int32_t CreateDuplicateImage(void *image, void **result);
+
+ORV_END_C
+
+#endif

@@ -1,0 +1,18 @@
+/* The whole exported interface of libORVImg in one include. */
+#ifndef ORV_IMG_H
+#define ORV_IMG_H
+
+#include "ORVTypes.h"
+
+#include "ErrorHandling.h"
+#include "ImageCoordinates.h"
+#include "ImageCopies.h"
+#include "ImageCreation.h"
+#include "ImageFiles.h"
+#include "ImageMaps.h"
+#include "ImageQueries.h"
+#include "InterfaceHandling.h"
+#include "Interfaces.h"
+#include "Matrices.h"
+
+#endif
