@@ -1,0 +1,97 @@
+// The exported questions about an image's form.
+#include "ImageQueries.h"
+
+#include "Image/Dimensions.h"
+#include "Interface/ImageGuard.h"
+#include "Interface/InterfaceId.h"
+
+using Image::Dimensions;
+using Image::DimensionsOf;
+using Interface::GuardImage;
+using Interface::ImageHolder;
+
+namespace {
+
+/// True when fulfils(type) holds for any plane's data type.
+template <class Predicate>
+bool AnyPlane(const ImageHolder &image, Predicate &&fulfils) {
+    const intptr_t planes = DimensionsOf(*image.Get()).Planes;
+    for (intptr_t plane = 0; plane < planes; ++plane) {
+        TDataType type = 0;
+        if (image->GetPlaneDatatype(plane, &type) == Interface::StatusOk && fulfils(type))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+intptr_t ImageDimension(void *image) {
+    const ImageHolder held = GuardImage(image, "ImageDimension");
+    return held.IsValid() ? DimensionsOf(*held.Get()).Planes : 0;
+}
+
+intptr_t ImageWidth(void *image) {
+    const ImageHolder held = GuardImage(image, "ImageWidth");
+    return held.IsValid() ? DimensionsOf(*held.Get()).Width : 0;
+}
+
+intptr_t ImageHeight(void *image) {
+    const ImageHolder held = GuardImage(image, "ImageHeight");
+    return held.IsValid() ? DimensionsOf(*held.Get()).Height : 0;
+}
+
+TDataType ImageDatatype(void *image, intptr_t plane) {
+    constexpr const char *functionName = "ImageDatatype";
+    const ImageHolder held = GuardImage(image, functionName);
+    if (!held.IsValid())
+        return DataTypeNone;
+    TDataType type = DataTypeNone;
+    if (plane < 0 || plane >= DimensionsOf(*held.Get()).Planes ||
+        held->GetPlaneDatatype(plane, &type) != Interface::StatusOk) {
+        ReportORVError(ErrPlaneIndex, functionName);
+        return DataTypeNone;
+    }
+    return type;
+}
+
+bool HasOverlay(void *image) {
+    const ImageHolder held = GuardImage(image, "HasOverlay");
+    return held.IsValid() && AnyPlane(held, [](TDataType type) { return (type & DataTypeOverlay) != 0; });
+}
+
+bool IsOverlayImage(void *image) {
+    return HasOverlay(image);
+}
+
+bool IsAll8Bit(void *image) {
+    const ImageHolder held = GuardImage(image, "IsAll8Bit");
+    if (!held.IsValid() || DimensionsOf(*held.Get()).Planes < 1)
+        return false;
+    return !AnyPlane(held, [](TDataType type) { return Image::BitsOf(type) != 8; });
+}
+
+bool GetImageVPA(void *image, intptr_t plane, void **base, VPAEntry **table) {
+    const ImageHolder held = GuardImage(image, "GetImageVPA");
+    return held.IsValid() && held->GetPlaneVPA(plane, base, table) >= 0;
+}
+
+intptr_t ImageColorModel(void *image) {
+    const ImageHolder held = GuardImage(image, "ImageColorModel");
+    if (!held.IsValid())
+        return 0;
+    void *found = nullptr;
+    const int32_t status = held->QueryInterface(ORV_IID_ICOLORMODELINFO, &found);
+    if (status == Interface::StatusOk && found != nullptr) {
+        const orvThreads::CSmartPointer<pOLE::IColorModelInfo, 0> info(static_cast<pOLE::IColorModelInfo *>(found));
+        return info->GetColorModel();
+    }
+    switch (DimensionsOf(*held.Get()).Planes) {
+    case 1:
+        return -1;
+    case 3:
+        return -2;
+    default:
+        return 0;
+    }
+}
