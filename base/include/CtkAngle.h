@@ -29,7 +29,8 @@ public:
     double GetRadians() const noexcept { return radians_; }
 
     /// Has sin, cos and tan read tables with a place every step radians from -pi on, for all angles of the process; a
-    /// step that is not above 0 goes back to computing. To be set once, before other threads work with angles.
+    /// step that is not a finite number above 0 goes back to computing. To be set once, before other threads work
+    /// with angles.
     static void SetTableStep(double step);
     static double GetTableStep() noexcept;
 

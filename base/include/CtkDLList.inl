@@ -2,7 +2,6 @@
 #pragma once
 
 #include <limits>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -267,14 +266,14 @@ void CtkDLList<T>::Grow(std::uint32_t count) {
         count = growBy_ < 1 ? 0 : static_cast<std::uint32_t>(growBy_);
     if (count == 0)
         return;
-    try {
-        auto elements = std::make_unique<Node[]>(count);
-        blockChain_ = new Block{blockChain_, elements.get()};
-        elements.release();
-    } catch (const std::bad_alloc &) {
+    auto *block = new (std::nothrow) Block{blockChain_, nullptr};
+    Node *elements = block != nullptr ? new (std::nothrow) Node[count] : nullptr;
+    if (elements == nullptr) {
+        delete block;
         Throw(CtkListErrors::GeneralError, __LINE__);
     }
-    Node *elements = blockChain_->Elements;
+    block->Elements = elements;
+    blockChain_ = block;
     for (std::uint32_t i = 0; i + 1 < count; ++i)
         elements[i].Next = &elements[i + 1];
     (freeTail_ != nullptr ? freeTail_->Next : freeHead_) = elements;

@@ -43,7 +43,7 @@ protected:
     /// Called by the constructors of every class that has a number, below 64.
     void AddClass(unsigned id) noexcept;
     /// What a GetClassId answers: the class's number while the tag is right.
-    std::uint32_t WhileValid(std::uint32_t id) const noexcept { return IsValid() ? id : NoId; }
+    std::uint32_t WhileValid(std::uint32_t id) const noexcept;
 
 private:
     std::uint32_t tag_;

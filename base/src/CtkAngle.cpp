@@ -123,7 +123,7 @@ bool CtkAngle::operator!=(const CtkAngle &other) const {
 }
 
 void CtkAngle::SetTableStep(double step) {
-    Tables() = step > 0.0 ? TablesOfStep(step) : FunctionTables();
+    Tables() = step > 0.0 && std::isfinite(step) ? TablesOfStep(step) : FunctionTables();
 }
 
 double CtkAngle::GetTableStep() noexcept {

@@ -40,26 +40,29 @@ const char *CtkHRESULTException::What() {
     else if (const char *registered = GetErrorString(static_cast<std::uint32_t>(GetWord())))
         message = registered;
     else
-        message = "Error code " + std::to_string(static_cast<std::int16_t>(GetNumber())) +
-                  " (no extended information) occured";
-    message += ". " + ComposeOrigin() + ".";
-    message.push_back('\0');
+        message.append("Error code ")
+            .append(std::to_string(static_cast<std::int16_t>(GetNumber())))
+            .append(" (no extended information) occured");
+    message.append(". ").append(ComposeOrigin()).append(".").push_back('\0');
     message_ = std::move(message);
     return message_.c_str();
 }
 
 std::string CtkHRESULTException::ComposeOrigin() const {
+    const auto append = [](std::string &text, const char *name, std::int32_t number) {
+        if (name != nullptr)
+            text.append("'").append(name).append("'");
+        else
+            text.append("Nr. ").append(std::to_string(number));
+    };
     std::string origin = "Exception from Sub-Facility ";
-    const char *subFacility = GetSubFacilityName();
-    origin += subFacility != nullptr ? "'" + std::string(subFacility) + "'"
-                                     : "Nr. " + std::to_string(GetSubFacility() & 0xFF);
+    append(origin, GetSubFacilityName(), GetSubFacility() & 0xFF);
     origin += " of Facility ";
-    const char *facility = GetFacilityName();
-    origin += facility != nullptr ? "'" + std::string(facility) + "'" : "Nr. " + std::to_string(GetFacility());
+    append(origin, GetFacilityName(), GetFacility());
     if (file_ != nullptr) {
-        origin += " thrown in file " + std::string(file_);
+        origin.append(" thrown in file ").append(file_);
         if (line_ != 0)
-            origin += " at line Nr. " + std::to_string(line_);
+            origin.append(" at line Nr. ").append(std::to_string(line_));
     }
     return origin;
 }

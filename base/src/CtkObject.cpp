@@ -2,6 +2,9 @@
 // an object which the caller has just destroyed.
 #include "CtkObject.h"
 
+// On what may be asked of an object that is gone: the sanitizer of member calls would stop it.
+#define MAY_BE_DEAD __attribute__((no_sanitize("vptr")))
+
 CtkObject::CtkObject() noexcept : tag_(LivingTag), classes_(0) {
     AddClass(ClassId);
 }
@@ -9,8 +12,8 @@ CtkObject::CtkObject() noexcept : tag_(LivingTag), classes_(0) {
 CtkObject::CtkObject(const CtkObject &) noexcept : CtkObject() {}
 
 CtkObject::~CtkObject() {
-    // Volatile, because a store into an object that ends is dead to the compiler. A stale pointer is recognised by
-    // it.
+    // Volatile, because a store into an object that ends is dead to the compiler. The tag betrays stale
+    // pointers.
     static_cast<volatile std::uint32_t &>(tag_) = DeadTag;
     static_cast<volatile std::uint64_t &>(classes_) = 0;
 }
@@ -19,7 +22,7 @@ std::uint32_t CtkObject::GetFamily() const {
     return NoId;
 }
 
-std::uint32_t CtkObject::GetClassId() const {
+MAY_BE_DEAD std::uint32_t CtkObject::GetClassId() const {
     return WhileValid(ClassId);
 }
 
@@ -31,16 +34,20 @@ std::uint32_t CtkObject::GetFlags() const {
     return 0;
 }
 
-bool CtkObject::IsValid() const noexcept {
+MAY_BE_DEAD bool CtkObject::IsValid() const noexcept {
     return tag_ == LivingTag;
 }
 
-bool CtkObject::IsClass(std::uint32_t id) const {
+MAY_BE_DEAD bool CtkObject::IsClass(std::uint32_t id) const {
     return IsValid() && GetClassId() == id;
 }
 
-bool CtkObject::IsMemberOf(unsigned bit) const noexcept {
+MAY_BE_DEAD bool CtkObject::IsMemberOf(unsigned bit) const noexcept {
     return bit < 64 && IsValid() && ((classes_ >> bit) & 1u) != 0;
+}
+
+MAY_BE_DEAD std::uint32_t CtkObject::WhileValid(std::uint32_t id) const noexcept {
+    return IsValid() ? id : NoId;
 }
 
 void CtkObject::AddClass(unsigned id) noexcept {
