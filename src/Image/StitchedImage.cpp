@@ -23,6 +23,10 @@ Dimensions ReadDimensions(pOLE::IImageVPA &image) {
     return size;
 }
 
+bool IsNegative(const Dimensions &size) {
+    return size.Planes < 0 || size.Width < 0 || size.Height < 0;
+}
+
 TDataType ReadDatatype(pOLE::IImageVPA &image, std::intptr_t plane) {
     TDataType type = 0;
     ThrowFailure(image.GetPlaneDatatype(plane, &type));
@@ -58,7 +62,8 @@ StitchedImage::StitchedImage(void *first, void *second, std::uint32_t direction)
     const Dimensions a = ReadDimensions(*first_.Get());
     const Dimensions b = ReadDimensions(*second_.Get());
     const bool stacked = direction == PanoramaStacked;
-    if (a.Planes != b.Planes || (stacked ? a.Width != b.Width : a.Height != b.Height))
+    if (IsNegative(a) || IsNegative(b) || a.Planes != b.Planes ||
+        (stacked ? a.Width != b.Width : a.Height != b.Height))
         throw CImageKernelException(ErrIndexRange);
     CheckDataTypes(a.Planes);
     if (!orvBase::CheckedSum(width_, a.Width, stacked ? std::intptr_t{0} : b.Width) ||
@@ -82,6 +87,8 @@ void StitchedImage::BuildPlane(std::intptr_t plane, const Dimensions &first, con
     VPAEntry *other = nullptr;
     ThrowFailure(first_->GetPlaneVPA(plane, &base, &own));
     ThrowFailure(second_->GetPlaneVPA(plane, &otherBase, &other));
+    if (base == nullptr || own == nullptr || otherBase == nullptr || other == nullptr)
+        throw CImageKernelException(ErrGeneral);
     const bool stacked = direction == PanoramaStacked;
     // One table per plane serves both images only when they advance alike along the axis that isn't joined.
     if (stacked ? !AdvanceAlike(own, other, &VPAEntry::XEntry, first.Width)

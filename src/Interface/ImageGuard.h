@@ -17,7 +17,9 @@ orvThreads::CSmartPointer<I, Tag> QueryHandle(void *handle) {
         return {};
     void *found = nullptr;
     const std::int32_t status = static_cast<pOLE::IUnknown *>(handle)->QueryInterface(InterfaceIdOf<I>, &found);
-    return orvThreads::CSmartPointer<I, Tag>(status == StatusOk ? static_cast<I *>(found) : nullptr);
+    // A negative status carries no reference, any other does.
+    orvThreads::CSmartPointer<I, Tag> held(status >= 0 ? static_cast<I *>(found) : nullptr);
+    return status == StatusOk ? std::move(held) : orvThreads::CSmartPointer<I, Tag>();
 }
 
 /// The image behind a handle, or an empty holder for everything that is none, an object that throws included.

@@ -7,10 +7,10 @@ namespace ErrorHandling {
 
 class CImageKernelException : public tkErrors::CtkHRESULTException {
 public:
-    explicit CImageKernelException(std::uint32_t word, const char *file = nullptr, int line = 0)
-        : CtkHRESULTException(Cut(word), file, line) {}
-    CImageKernelException(std::uint32_t word, const std::string &text, const char *file = nullptr, int line = 0)
-        : CtkHRESULTException(Cut(word), text, file, line) {}
+    /// A null text has the message told from the code alone; file may be null, a line of 0 stands for none.
+    explicit CImageKernelException(std::uint32_t word, const char *text = nullptr, const char *file = nullptr,
+                                   int line = 0)
+        : CtkHRESULTException(Cut(word), text == nullptr ? std::string() : std::string(text), file, line) {}
 
     const char *GetFacilityName() const override;
     const char *GetSubFacilityName() const override;

@@ -7,12 +7,10 @@
 #include "Interface/UnloadList.h"
 #include "Persistence/TSList.h"
 
-namespace {
+namespace pOLE {
 
-using Interface::SilentBoundary;
-
-/// The driver side of a grabber: only the place of the dialog slot is known here.
-struct IGrabber : pOLE::IUnknown {
+/// An acquisition device, implemented by drivers only. Of their side only the place of the dialog slot is known here.
+struct IGrabber : IUnknown {
     virtual void DriverSlot1() = 0;
     virtual void DriverSlot2() = 0;
     virtual void DriverSlot3() = 0;
@@ -22,8 +20,20 @@ protected:
     ~IGrabber() = default;
 };
 
+} // namespace pOLE
+
+namespace {
+
+using Interface::SilentBoundary;
+using pOLE::IGrabber;
+
 pOLE::IUnknown *AsUnknown(void *object) {
     return static_cast<pOLE::IUnknown *>(object);
+}
+
+/// A driver's class comes from a library of its own and need not know the declaration above: only the slot counts.
+__attribute__((no_sanitize("vptr"))) void OpenDialog(IGrabber &grabber) {
+    grabber.ShowDialog();
 }
 
 /// The remaining count; 0 also when the object throws.
@@ -67,7 +77,7 @@ bool ShowDriverDialog(void *object) {
         const orvThreads::CSmartPointer<IGrabber, 0> grabber(static_cast<IGrabber *>(found));
         if (!grabber.IsValid())
             return false;
-        grabber->ShowDialog();
+        OpenDialog(*grabber.Get());
         return true;
     });
 }
@@ -103,7 +113,10 @@ bool ShareObject(void *object) {
         static_cast<TSList *>(object)->Share();
         return true;
     case Interface::ObjectKind::PresumedInterface:
-        return ShareImage(object) != -1;
+        return IsIUnknown(object) && SilentBoundary(false, [object] {
+                   AsUnknown(object)->AddRef();
+                   return true;
+               });
     default:
         return false;
     }
