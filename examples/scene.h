@@ -1,0 +1,24 @@
+// The scene that the demo works on when it is given no file: a lit board with round marks, drawn in plain C++.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+/// A round mark; its centre is a real position in pixels, (0, 0) being the centre of the first pixel.
+struct Mark {
+    double x;
+    double y;
+    double radius;
+};
+
+struct Scene {
+    int width;
+    int height;
+    std::vector<Mark> marks;
+    std::vector<std::uint8_t> grey;         ///< width x height bytes, first row first, no padding
+    std::vector<std::uint8_t> blueGreenRed; ///< three bytes per pixel, first row first, no padding
+};
+
+/// Draws the scene: the same bytes on every call. The ground and the marks are lit unevenly, blurred as by a lens and
+/// noisy as from a sensor.
+Scene DrawScene();
