@@ -75,8 +75,7 @@ void CtkCString::Append(const char *text, std::size_t length) {
 }
 
 void CtkCString::Clear() {
-    std::free(std::exchange(text_, nullptr));
-    length_ = 0;
+    Replace({}, {});
 }
 
 int CtkCString::Compare(const CtkCString &other) const {
@@ -104,14 +103,15 @@ void CtkCString::Replace(std::string_view first, std::string_view second) {
     std::size_t bytes = 0;
     if (!orvBase::CheckedSum(bytes, first.size(), second.size(), std::size_t{1}))
         throw std::bad_alloc();
-    if (bytes == 1)
-        return Clear();
-    auto *fresh = static_cast<char *>(std::malloc(bytes));
-    if (fresh == nullptr)
-        throw std::bad_alloc();
-    first.copy(fresh, first.size());
-    second.copy(fresh + first.size(), second.size());
-    fresh[bytes - 1] = '\0';
+    char *fresh = nullptr; // stays null for a string without a text
+    if (bytes > 1) {
+        fresh = static_cast<char *>(std::malloc(bytes));
+        if (fresh == nullptr)
+            throw std::bad_alloc();
+        first.copy(fresh, first.size());
+        second.copy(fresh + first.size(), second.size());
+        fresh[bytes - 1] = '\0';
+    }
     std::free(std::exchange(text_, fresh));
     length_ = bytes - 1;
 }
