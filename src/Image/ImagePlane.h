@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Interface/ImageGuard.h"
-#include "Persistence/TBuffer.h"
+#include "Persistence/Tree/TBuffer.h"
 
 /// One plane: its own block is the table, its first child the data node.
 class TImagePlane : public TBuffer {

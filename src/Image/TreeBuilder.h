@@ -4,7 +4,7 @@
 
 #include "Image/ImageObject.h"
 #include "Image/TableWriter.h"
-#include "Persistence/NodeHolder.h"
+#include "Persistence/Tree/NodeHolder.h"
 
 namespace Image {
 

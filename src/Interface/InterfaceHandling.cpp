@@ -5,7 +5,7 @@
 #include "Interface/ObjectKind.h"
 #include "Interface/SmartPointer.h"
 #include "Interface/UnloadList.h"
-#include "Persistence/TSList.h"
+#include "Persistence/Tree/TSList.h"
 
 namespace pOLE {
 

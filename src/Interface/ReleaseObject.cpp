@@ -4,7 +4,7 @@
 #include "Interface/ObjectKind.h"
 #include "Interface/UnloadList.h"
 #include "InterfaceHandling.h"
-#include "Persistence/TSList.h"
+#include "Persistence/Tree/TSList.h"
 
 namespace Interface {
 

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "Persistence/TSList.h"
+#include "Persistence/Tree/TSList.h"
 
 namespace Persistence {
 

@@ -1,4 +1,4 @@
-#include "Persistence/NodeHolder.h"
+#include "Persistence/Tree/NodeHolder.h"
 
 #include <gtest/gtest.h>
 #include <type_traits>

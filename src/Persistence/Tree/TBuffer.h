@@ -1,7 +1,7 @@
 // A tree node over a block of bytes: one of its own from malloc, or one of somebody else's.
 #pragma once
 
-#include "Persistence/TDataPointer.h"
+#include "Persistence/Tree/TDataPointer.h"
 
 class TBuffer : public TDataPointer {
 public:

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "Persistence/NodeHolder.h"
-#include "Persistence/TBuffer.h"
+#include "Persistence/Tree/NodeHolder.h"
+#include "Persistence/Tree/TBuffer.h"
 
 namespace TestSupport {
 

@@ -1,4 +1,4 @@
-#include "Persistence/TDataPointer.h"
+#include "Persistence/Tree/TDataPointer.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

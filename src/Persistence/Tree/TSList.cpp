@@ -1,4 +1,4 @@
-#include "Persistence/TSList.h"
+#include "Persistence/Tree/TSList.h"
 
 template class CtkDLList<TSList *>;
 

@@ -1,4 +1,4 @@
-#include "Persistence/TBuffer.h"
+#include "Persistence/Tree/TBuffer.h"
 
 #include <cstdlib>
 #include <cstring>

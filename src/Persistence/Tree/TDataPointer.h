@@ -1,7 +1,7 @@
 // A tree node that stands for some memory: its own, a borrowed block, or a plane of another image.
 #pragma once
 
-#include "Persistence/TSList.h"
+#include "Persistence/Tree/TSList.h"
 
 class TDataPointer : public TSList {
 public:

@@ -1,4 +1,4 @@
-#include "Persistence/TSList.h"
+#include "Persistence/Tree/TSList.h"
 
 #include <gtest/gtest.h>
 
