@@ -36,7 +36,7 @@ double LastPixel(intptr_t size) {
 } // namespace
 
 bool SetImageCoordinates(void *image, TCoordinateMap map) {
-    const Interface::ImageHolder holder = Interface::GuardImage(image, SetImageCoordinatesName);
+    const Interface::ImageForCall holder = Interface::GuardCall(image, SetImageCoordinatesName);
     if (!holder.IsValid())
         return false;
     holder->SetCoordinateMap(map);
@@ -44,7 +44,7 @@ bool SetImageCoordinates(void *image, TCoordinateMap map) {
 }
 
 bool GetImageCoordinates(void *image, TCoordinateMap *out) {
-    const Interface::ImageHolder holder = Interface::GuardImage(image, GetImageCoordinatesName);
+    const Interface::ImageForCall holder = Interface::GuardCall(image, GetImageCoordinatesName);
     if (!holder.IsValid())
         return false;
     holder->GetCoordinateMap(out);
@@ -52,7 +52,7 @@ bool GetImageCoordinates(void *image, TCoordinateMap *out) {
 }
 
 bool SetImageOrigin(void *image, double x, double y) {
-    const Interface::ImageHolder holder = Interface::GuardImage(image, SetImageOriginName);
+    const Interface::ImageForCall holder = Interface::GuardCall(image, SetImageOriginName);
     if (!holder.IsValid())
         return false;
     TCoordinateMap map;
@@ -100,7 +100,7 @@ bool ImageToPixelCoordinates(void *image, double *outX, double *outY, double x, 
 }
 
 bool MaxImageArea(void *image, TArea *out) {
-    const Interface::ImageHolder holder = Interface::GuardImage(image, MaxImageAreaName);
+    const Interface::ImageForCall holder = Interface::GuardCall(image, MaxImageAreaName);
     if (!holder.IsValid())
         return false;
     intptr_t planes = 0;

@@ -7,6 +7,7 @@
 #include "Image/ExternalLayout.h"
 #include "Image/TableWriter.h"
 #include "Interface/Boundary.h"
+#include "Interface/ImageGuard.h"
 #include "Matrices.h"
 
 namespace Image {
@@ -44,6 +45,7 @@ CExternalImage::CExternalImage(const ExternalLayout &layout, TImageReleaseCallba
     InitCoordinateMap(&coordinates_);
     CheckExternalLayout(layout);
     BuildTables(layout);
+    Interface::SetBorrowableClass(Interface::BorrowableClass::ExternalImage, AsUnknown(), this);
     release_ = release;
 }
 
@@ -60,6 +62,15 @@ void CExternalImage::BuildTables(const ExternalLayout &layout) {
         VPAEntry *table = tables_.Entry0(layout.PlaneOrder != nullptr ? layout.PlaneOrder[k] : k);
         WriteLinearTable(table, width_, height_, {k * layout.PitchPlane, layout.PitchX}, {0, layout.PitchY});
     }
+}
+
+std::int32_t CExternalImage::QueryInterface(const char *id, void **out) {
+    // The query of every call on an image, answered first.
+    if (!Interface::IsInterfaceId(id, ORV_IID_IIMAGEVPA))
+        return Base::QueryInterface(id, out);
+    *out = static_cast<pOLE::IImageVPA *>(this);
+    Base::AddRef();
+    return Interface::StatusOk;
 }
 
 bool CExternalImage::SupportsInterface(const char *id) {

@@ -25,7 +25,7 @@ public:
     /// Throws CImageKernelException for a layout that can't be; release is not called then.
     CExternalImage(const ExternalLayout &layout, TImageReleaseCallback release, void *userData);
 
-    std::int32_t QueryInterface(const char *id, void **out) override { return Base::QueryInterface(id, out); }
+    std::int32_t QueryInterface(const char *id, void **out) override;
     std::uintptr_t AddRef() override { return Base::AddRef(); }
     std::uintptr_t Release() override { return Base::Release(); }
     bool SupportsInterface(const char *id) override;

@@ -7,14 +7,14 @@
 
 using Image::Dimensions;
 using Image::DimensionsOf;
-using Interface::GuardImage;
-using Interface::ImageHolder;
+using Interface::GuardCall;
+using Interface::ImageForCall;
 
 namespace {
 
 /// True when fulfils(type) holds for any plane's data type.
 template <class Predicate>
-bool AnyPlane(const ImageHolder &image, Predicate &&fulfils) {
+bool AnyPlane(const ImageForCall &image, Predicate &&fulfils) {
     const intptr_t planes = DimensionsOf(*image.Get()).Planes;
     for (intptr_t plane = 0; plane < planes; ++plane) {
         TDataType type = 0;
@@ -27,23 +27,23 @@ bool AnyPlane(const ImageHolder &image, Predicate &&fulfils) {
 } // namespace
 
 intptr_t ImageDimension(void *image) {
-    const ImageHolder held = GuardImage(image, "ImageDimension");
+    const ImageForCall held = GuardCall(image, "ImageDimension");
     return held.IsValid() ? DimensionsOf(*held.Get()).Planes : 0;
 }
 
 intptr_t ImageWidth(void *image) {
-    const ImageHolder held = GuardImage(image, "ImageWidth");
+    const ImageForCall held = GuardCall(image, "ImageWidth");
     return held.IsValid() ? DimensionsOf(*held.Get()).Width : 0;
 }
 
 intptr_t ImageHeight(void *image) {
-    const ImageHolder held = GuardImage(image, "ImageHeight");
+    const ImageForCall held = GuardCall(image, "ImageHeight");
     return held.IsValid() ? DimensionsOf(*held.Get()).Height : 0;
 }
 
 TDataType ImageDatatype(void *image, intptr_t plane) {
     constexpr const char *functionName = "ImageDatatype";
-    const ImageHolder held = GuardImage(image, functionName);
+    const ImageForCall held = GuardCall(image, functionName);
     if (!held.IsValid())
         return DataTypeNone;
     TDataType type = DataTypeNone;
@@ -56,7 +56,7 @@ TDataType ImageDatatype(void *image, intptr_t plane) {
 }
 
 bool HasOverlay(void *image) {
-    const ImageHolder held = GuardImage(image, "HasOverlay");
+    const ImageForCall held = GuardCall(image, "HasOverlay");
     return held.IsValid() && AnyPlane(held, [](TDataType type) { return (type & DataTypeOverlay) != 0; });
 }
 
@@ -65,19 +65,19 @@ bool IsOverlayImage(void *image) {
 }
 
 bool IsAll8Bit(void *image) {
-    const ImageHolder held = GuardImage(image, "IsAll8Bit");
+    const ImageForCall held = GuardCall(image, "IsAll8Bit");
     if (!held.IsValid() || DimensionsOf(*held.Get()).Planes < 1)
         return false;
     return !AnyPlane(held, [](TDataType type) { return Image::BitsOf(type) != 8; });
 }
 
 bool GetImageVPA(void *image, intptr_t plane, void **base, VPAEntry **table) {
-    const ImageHolder held = GuardImage(image, "GetImageVPA");
+    const ImageForCall held = GuardCall(image, "GetImageVPA");
     return held.IsValid() && held->GetPlaneVPA(plane, base, table) >= 0;
 }
 
 intptr_t ImageColorModel(void *image) {
-    const ImageHolder held = GuardImage(image, "ImageColorModel");
+    const ImageForCall held = GuardCall(image, "ImageColorModel");
     if (!held.IsValid())
         return 0;
     void *found = nullptr;

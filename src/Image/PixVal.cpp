@@ -23,7 +23,7 @@ bool IsReadable(intptr_t position, intptr_t count) {
 } // namespace
 
 intptr_t PixVal(void *image, intptr_t plane, intptr_t x, intptr_t y) {
-    const Interface::ImageHolder held = Interface::GuardImage(image, FunctionName);
+    const Interface::ImageForCall held = Interface::GuardCall(image, FunctionName);
     if (!held.IsValid())
         return static_cast<intptr_t>(ErrNotAnImage);
     const Image::Dimensions size = Image::DimensionsOf(*held.Get());

@@ -36,7 +36,7 @@ PixelPlace FindPixel(pOLE::IImageVPA &image, intptr_t plane, intptr_t x, intptr_
 /// Runs transfer(place) on a pixel while its image is held. Exceptions of the image's own pass on.
 template <class Transfer>
 bool OnPixel(void *image, intptr_t plane, intptr_t x, intptr_t y, Transfer &&transfer) {
-    const auto held = Interface::QueryHandle<pOLE::IImageVPA, 3>(image);
+    const Interface::ImageForCall held = Interface::QueryCall(image);
     if (!held.IsValid())
         return false;
     const PixelPlace place = FindPixel(*held.Get(), plane, x, y);

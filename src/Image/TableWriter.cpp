@@ -1,14 +1,40 @@
 #include "Image/TableWriter.h"
 
 #include "CheckedSize.h"
+#include "Image/VectorRegisters.h"
 
 namespace Image {
 namespace {
 
-/// start + i * step without overflow in the language's sense.
-std::intptr_t OffsetAt(AxisOffsets axis, std::intptr_t index) {
-    return static_cast<std::intptr_t>(static_cast<std::uintptr_t>(axis.Start) +
-                                      static_cast<std::uintptr_t>(index) * static_cast<std::uintptr_t>(axis.Step));
+/// A record of two machine words is one register: both axes advance at once, in wrapping arithmetic.
+using Record = Vector<std::uint64_t, sizeof(VPAEntry)>;
+
+Record RecordOf(std::intptr_t x, std::intptr_t y) {
+    return Record{static_cast<std::uint64_t>(x), static_cast<std::uint64_t>(y)};
+}
+
+/// Writes the entries [from, end): value, then value + step and so on. Result: what entry end would be.
+Record WriteRun(VPAEntry *table, std::intptr_t from, std::intptr_t end, Record value, Record step) {
+    char *at = reinterpret_cast<char *>(table + from);
+    char *const behind = reinterpret_cast<char *>(table + end);
+    // Four at a time: one addition after the other would be slower than the stores.
+    constexpr auto size = static_cast<std::intptr_t>(sizeof(Record));
+    const Record step2 = step + step;
+    const Record step4 = step2 + step2;
+    Record second = value + step;
+    for (; behind - at >= 4 * size; at += 4 * size) {
+        StoreVector(at, value);
+        StoreVector(at + size, second);
+        StoreVector(at + 2 * size, value + step2);
+        StoreVector(at + 3 * size, second + step2);
+        value += step4;
+        second += step4;
+    }
+    for (; at < behind; at += size) {
+        StoreVector(at, value);
+        value += step;
+    }
+    return value;
 }
 
 } // namespace
@@ -23,16 +49,13 @@ bool TableRecords(std::intptr_t width, std::intptr_t height, std::size_t &record
 void WriteLinearTable(VPAEntry *table, std::intptr_t width, std::intptr_t height, AxisOffsets x, AxisOffsets y) {
     const std::intptr_t shorter = std::min(width, height);
     const std::intptr_t longer = std::max(width, height);
-    for (std::intptr_t i = -GuardEntries; i < 0; ++i)
-        table[i] = {0, 0};
-    for (std::intptr_t i = 0; i < shorter; ++i)
-        table[i] = {OffsetAt(x, i), OffsetAt(y, i)};
-    for (std::intptr_t i = shorter; i < width; ++i)
-        table[i] = {OffsetAt(x, i), 0};
-    for (std::intptr_t i = shorter; i < height; ++i)
-        table[i] = {0, OffsetAt(y, i)};
-    for (std::intptr_t i = longer; i < longer + GuardEntries; ++i)
-        table[i] = {0, 0};
+    constexpr Record nothing = {0, 0};
+    WriteRun(table, -GuardEntries, 0, nothing, nothing);
+    const Record rest = WriteRun(table, 0, shorter, RecordOf(x.Start, y.Start), RecordOf(x.Step, y.Step));
+    // Only one lane goes on, and what the shorter axis does not use is 0.
+    const Record lane = width > height ? Record{~std::uint64_t{0}, 0} : Record{0, ~std::uint64_t{0}};
+    WriteRun(table, shorter, longer, rest & lane, RecordOf(x.Step, y.Step) & lane);
+    WriteRun(table, longer, longer + GuardEntries, nothing, nothing);
     WriteGuardEntries(table, width, height);
 }
 

@@ -4,13 +4,14 @@
 
 #include "Image/ImageObject.h"
 #include "Image/TableWriter.h"
-#include "Interface/InterfaceId.h"
+#include "Interface/ImageGuard.h"
 
 using Interface::StatusOk;
 using Interface::StatusTreeFailure;
 
 TIImageVPA::TIImageVPA(TImageObject &owner) : owner_(owner) {
     AddClass(ClassId);
+    Interface::SetBorrowableClass(Interface::BorrowableClass::TreeImage, this, this);
 }
 
 std::int32_t TIImageVPA::QueryInterface(const char *id, void **out) {
