@@ -13,7 +13,7 @@ ORV_BEGIN_C
  *  Result         false: ErrNotAnImage reported for what is no image; ErrIndexRange when width or height is negative
  *                 and neither is 0; no report when the image can't be made. An image of plain 8-bit planes becomes
  *                 what CreateGenericImage makes, one of equal types what CreateGenericImageDT makes. Planes of
- *                 different types are not supported by this version: false. */
+ *                 different types become typed planes each, gathered into one image. */
 ORV_API bool CreateCompatibleImage(void *image, intptr_t width, intptr_t height, unsigned char overlay, void **out);
 
 /** Makes a copy of an image: its pixels in plain buffers, and its coordinate map.
@@ -22,6 +22,23 @@ ORV_API bool CreateCompatibleImage(void *image, intptr_t width, intptr_t height,
  *          ErrDataType for each plane whose pixels are not 1, 2, 4 or 8 bytes wide (it is zeroed in the copy), and
  *          then code 1 when others were copied, ErrDataType and result 0 when none was. */
 ORV_API int32_t CreateDuplicateImage(void *image, void **result);
+
+/** Makes a copy of an image in one block of memory: pixel by pixel interleaved whatever the source was, rows not
+ *  padded. Planes of different data types get a block each.
+ *  out     the copy with one reference and the source's coordinate map; untouched on failure.
+ *  Result  true. False: ErrNotAnImage reported for what is no image; ErrCreateFailed when memory is short; the
+ * reports of CopyImageRectPlanes when pixels can't be copied. Required of old: where planes of different types can't
+ *          be made the result is true, with ErrCreateFailed reported and out untouched. */
+ORV_API bool CreateDuplicateImageEx(void *image, void **out);
+
+/** Gathers the planes of several images of one size into one image.
+ *  images  count handles.
+ *  share   non-zero: the result is a view of the images, which it keeps alive; 0: of copies of them.
+ *  out     the result with one reference and the first image's coordinate map; a single image comes back itself, with
+ *          one more reference. Untouched on failure.
+ *  Result  false with a report: ErrParameter "Invalid input Array" for no images; ErrNotAnImage; ErrIndexRange when
+ *          sizes differ; ErrGeneral when a copy or the result can't be made. */
+ORV_API bool CreateConcatenatedImage(void *const *images, size_t count, unsigned char share, void **out);
 
 ORV_END_C
 

@@ -11,8 +11,10 @@
 #include "ImageFiles.h"
 #include "ImageMaps.h"
 #include "ImageQueries.h"
+#include "ImageViews.h"
 #include "InterfaceHandling.h"
 #include "Interfaces.h"
 #include "Matrices.h"
+#include "RectangleCopy.h"
 
 #endif

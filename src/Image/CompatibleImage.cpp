@@ -32,6 +32,21 @@ bool IsPlainEightBit(TDataType type) {
     return (type & DataTypeSigned) == 0 && type % 255u == 8;
 }
 
+/// An image of one plane for each data type, shown as one image.
+bool CreateMixed(const std::vector<TDataType> &types, intptr_t width, intptr_t height, TDataType mark, void **out) {
+    std::vector<Interface::ImageHolder> planes;
+    std::vector<void *> handles;
+    planes.reserve(types.size());
+    for (const TDataType type : types) {
+        void *plane = nullptr;
+        if (!CreateGenericImageDT(1, width, height, type | mark, &plane))
+            return false;
+        planes.emplace_back(static_cast<pOLE::IImageVPA *>(plane));
+        handles.push_back(plane);
+    }
+    return CreateConcatenatedImage(handles.data(), handles.size(), 1, out);
+}
+
 } // namespace
 
 bool CreateCompatibleImage(void *image, intptr_t width, intptr_t height, unsigned char overlay, void **out) {
@@ -57,8 +72,9 @@ bool CreateCompatibleImage(void *image, intptr_t width, intptr_t height, unsigne
             overlay != 0 || !AllOf(types, [](TDataType type) { return (type & DataTypeOverlay) == 0; });
         return CreateGenericImage(size.Planes, width, height, marked, out);
     }
+    const TDataType mark = overlay != 0 ? DataTypeOverlay : 0;
     const TDataType first = types.front();
     if (!AllOf(types, [first](TDataType type) { return type == first; }))
-        return false;
-    return CreateGenericImageDT(size.Planes, width, height, overlay != 0 ? first | DataTypeOverlay : first, out);
+        return CreateMixed(types, width, height, mark, out);
+    return CreateGenericImageDT(size.Planes, width, height, first | mark, out);
 }

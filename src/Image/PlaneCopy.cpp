@@ -1,6 +1,7 @@
 #include "Image/PlaneCopy.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "Image/RowKernels.h"
@@ -8,56 +9,79 @@
 namespace Image {
 namespace {
 
-/// Side of the square that the plain method works through at a time, so that a turned table stays in the cache.
+/// Side of the square that is worked through at a time where a turned table would miss the cache at every pixel.
 constexpr std::intptr_t TileSide = 64;
 
-template <class T>
-void CopyTile(const PlaneView &source, const PlaneView &target, std::intptr_t left, std::intptr_t top) {
-    const std::intptr_t right = std::min(left + TileSide, source.Width);
-    const std::intptr_t bottom = std::min(top + TileSide, source.Height);
-    for (std::intptr_t y = top; y < bottom; ++y) {
+/// Where the columns of a view stand: by its table, or by its step.
+struct ByTable {
+    const VPAEntry *Columns;
+    explicit ByTable(const PlaneView &view) : Columns(view.Columns) {}
+    std::intptr_t operator[](std::intptr_t x) const { return Columns[x].XEntry; }
+};
+struct ByStep {
+    std::intptr_t First;
+    std::intptr_t Step;
+    explicit ByStep(const PlaneView &view) : First(view.Columns[0].XEntry), Step(view.XStep) {}
+    std::intptr_t operator[](std::intptr_t x) const { return First + x * Step; }
+};
+
+template <class T, class SourceColumns, class TargetColumns>
+void CopyPixels(const PlaneView &source, const PlaneView &target) {
+    const SourceColumns fromColumns(source);
+    const TargetColumns toColumns(target);
+    for (std::intptr_t y = 0; y < source.Height; ++y) {
         const char *from = source.Row(y);
         char *to = target.Row(y);
-        for (std::intptr_t x = left; x < right; ++x)
-            std::memcpy(to + target.Table[x].XEntry, from + source.Table[x].XEntry, sizeof(T));
+        for (std::intptr_t x = 0; x < source.Width; ++x) {
+            T pixel;
+            std::memcpy(&pixel, from + fromColumns[x], sizeof pixel);
+            std::memcpy(to + toColumns[x], &pixel, sizeof pixel);
+        }
     }
 }
 
 template <class T>
-void CopyPlain(const PlaneView &source, const PlaneView &target) {
+void CopyTiled(const PlaneView &source, const PlaneView &target) {
     for (std::intptr_t top = 0; top < source.Height; top += TileSide)
-        for (std::intptr_t left = 0; left < source.Width; left += TileSide)
-            CopyTile<T>(source, target, left, top);
+        for (std::intptr_t left = 0; left < source.Width; left += TileSide) {
+            const std::intptr_t width = std::min(TileSide, source.Width - left);
+            const std::intptr_t height = std::min(TileSide, source.Height - top);
+            CopyPixels<T, ByTable, ByTable>(source.Part(left, top, width, height),
+                                            target.Part(left, top, width, height));
+        }
 }
 
-/// True when the columns of a plane lie side by side, in rising addresses (sign 1) or falling ones (sign -1). A plane
-/// of one column does both.
-bool IsDense(const PlaneView &plane, std::intptr_t sign) {
-    return plane.Width == 1 || plane.XStep == sign * plane.Bytes;
+/// Pixels of any width, through both tables.
+void CopyWidePixels(const PlaneView &source, const PlaneView &target) {
+    for (std::intptr_t y = 0; y < source.Height; ++y)
+        for (std::intptr_t x = 0; x < source.Width; ++x)
+            std::memmove(target.Pixel(x, y), source.Pixel(x, y), static_cast<std::size_t>(source.Bytes));
 }
 
-/// Start of a row in memory: its leftmost or its rightmost pixel.
-char *RowStart(const PlaneView &plane, std::intptr_t y) {
-    return std::min(plane.Pixel(0, y), plane.Pixel(plane.Width - 1, y));
+/// Moves row after row of two dense views.
+template <class MoveRow>
+void ForEachDenseRow(const PlaneView &source, const PlaneView &target, MoveRow &&moveRow) {
+    const std::intptr_t sourceColumn = source.LowestColumn();
+    const std::intptr_t targetColumn = target.LowestColumn();
+    for (std::intptr_t y = 0; y < source.Height; ++y)
+        moveRow(target.Row(y) + targetColumn, source.Row(y) + sourceColumn);
 }
 
 void CopyRows(const PlaneView &source, const PlaneView &target) {
-    const std::intptr_t rowBytes = source.Width * source.Bytes;
-    const bool gapless = source.YStep == target.YStep && (source.YStep == rowBytes || source.YStep == -rowBytes);
-    if (gapless) {
-        const std::intptr_t lowest = source.YStep < 0 ? source.Height - 1 : 0;
-        std::memcpy(RowStart(target, lowest), RowStart(source, lowest),
-                    static_cast<std::size_t>(rowBytes * source.Height));
-        return;
-    }
-    for (std::intptr_t y = 0; y < source.Height; ++y)
-        std::memcpy(RowStart(target, y), RowStart(source, y), static_cast<std::size_t>(rowBytes));
+    const auto rowBytes = static_cast<std::size_t>(source.Width * source.Bytes);
+    ForEachDenseRow(source, target, [rowBytes](char *to, const char *from) { std::memmove(to, from, rowBytes); });
+}
+
+void CopyWhole(const PlaneView &source, const PlaneView &target) {
+    const std::intptr_t lowest = source.YStep < 0 ? source.Height - 1 : 0;
+    std::memmove(target.Row(lowest) + target.LowestColumn(), source.Row(lowest) + source.LowestColumn(),
+                 static_cast<std::size_t>(source.Width * source.Bytes * source.Height));
 }
 
 template <class T>
 void CopyMirrored(const PlaneView &source, const PlaneView &target) {
-    for (std::intptr_t y = 0; y < source.Height; ++y)
-        ReverseRow<T>(RowStart(target, y), RowStart(source, y), source.Width);
+    const auto reverse = RowKernels::Best().Reverse<T>();
+    ForEachDenseRow(source, target, [&](char *to, const char *from) { reverse(to, from, source.Width); });
 }
 
 /// The source's columns run along memory with YStep +-Bytes, and memory lines follow each other with XStep.
@@ -77,14 +101,29 @@ void CopyTransposed(const PlaneView &source, const PlaneView &target) {
     }
 }
 
+void CopyEveryThird(const PlaneView &source, const PlaneView &target) {
+    const auto extract = RowKernels::Best().ExtractEveryThird;
+    for (std::intptr_t y = 0; y < source.Height; ++y)
+        extract(target.Pixel(0, y), source.Pixel(0, y), source.Width);
+}
+
 template <class T>
 void Run(PlaneCopyMethod method, const PlaneView &source, const PlaneView &target) {
     switch (method) {
-    case PlaneCopyMethod::Plain:
-        CopyPlain<T>(source, target);
+    case PlaneCopyMethod::TableToTable:
+        CopyPixels<T, ByTable, ByTable>(source, target);
         break;
-    case PlaneCopyMethod::Rows:
-        CopyRows(source, target);
+    case PlaneCopyMethod::TableToSteps:
+        CopyPixels<T, ByTable, ByStep>(source, target);
+        break;
+    case PlaneCopyMethod::StepsToTable:
+        CopyPixels<T, ByStep, ByTable>(source, target);
+        break;
+    case PlaneCopyMethod::StepsToSteps:
+        CopyPixels<T, ByStep, ByStep>(source, target);
+        break;
+    case PlaneCopyMethod::Tiled:
+        CopyTiled<T>(source, target);
         break;
     case PlaneCopyMethod::Mirrored:
         CopyMirrored<T>(source, target);
@@ -92,40 +131,76 @@ void Run(PlaneCopyMethod method, const PlaneView &source, const PlaneView &targe
     case PlaneCopyMethod::Transposed:
         CopyTransposed<T>(source, target);
         break;
+    default:
+        break;
     }
+}
+
+bool AreDenseAlike(const PlaneView &source, const PlaneView &target) {
+    return (source.IsDense(1) && target.IsDense(1)) || (source.IsDense(-1) && target.IsDense(-1));
+}
+
+bool IsLinear(const PlaneView &view) {
+    return view.Width == 1 || view.XStep != 0;
 }
 
 } // namespace
 
 bool AllowsPlaneCopy(PlaneCopyMethod method, const PlaneView &source, const PlaneView &target) {
+    const std::intptr_t rowBytes = source.Width * source.Bytes;
     switch (method) {
-    case PlaneCopyMethod::Plain:
+    case PlaneCopyMethod::TableToTable:
         return true;
+    case PlaneCopyMethod::TableToSteps:
+        return IsLinear(target);
+    case PlaneCopyMethod::StepsToTable:
+        return IsLinear(source);
+    case PlaneCopyMethod::StepsToSteps:
+        return IsLinear(source) && IsLinear(target);
+    case PlaneCopyMethod::Tiled:
+        return target.HasDistinctPixels();
     case PlaneCopyMethod::Rows:
-        return (IsDense(source, 1) && IsDense(target, 1)) || (IsDense(source, -1) && IsDense(target, -1));
+        return AreDenseAlike(source, target);
+    case PlaneCopyMethod::Whole:
+        return AreDenseAlike(source, target) && source.YStep == target.YStep &&
+               (source.YStep == rowBytes || source.YStep == -rowBytes);
     case PlaneCopyMethod::Mirrored:
-        return (IsDense(source, 1) && IsDense(target, -1)) || (IsDense(source, -1) && IsDense(target, 1));
+        return (source.IsDense(1) && target.IsDense(-1)) || (source.IsDense(-1) && target.IsDense(1));
     case PlaneCopyMethod::Transposed:
-        return IsDense(target, 1) && source.Width > 1 && source.XStep != 0 &&
-               (source.YStep == source.Bytes || source.YStep == -source.Bytes);
+        return target.IsDense(1) && target.HasDistinctPixels() && source.Width > 1 && source.XStep != 0 &&
+               source.YStep != 0 && (source.YStep == source.Bytes || source.YStep == -source.Bytes);
+    case PlaneCopyMethod::EveryThird:
+        return source.Bytes == 1 && source.XStep == 3 && target.IsDense(1);
     }
     return false;
 }
 
 PlaneCopyMethod ChoosePlaneCopy(const PlaneView &source, const PlaneView &target) {
-    for (const auto method : {PlaneCopyMethod::Rows, PlaneCopyMethod::Mirrored, PlaneCopyMethod::Transposed})
+    for (const auto method : {PlaneCopyMethod::Whole, PlaneCopyMethod::Rows, PlaneCopyMethod::Mirrored,
+                              PlaneCopyMethod::Transposed, PlaneCopyMethod::EveryThird})
         if (AllowsPlaneCopy(method, source, target))
             return method;
-    return PlaneCopyMethod::Plain;
+    const bool rowsFollowMemory = std::abs(source.XStep) <= std::abs(source.YStep);
+    if (!rowsFollowMemory && AllowsPlaneCopy(PlaneCopyMethod::Tiled, source, target))
+        return PlaneCopyMethod::Tiled;
+    if (IsLinear(source))
+        return IsLinear(target) ? PlaneCopyMethod::StepsToSteps : PlaneCopyMethod::StepsToTable;
+    return IsLinear(target) ? PlaneCopyMethod::TableToSteps : PlaneCopyMethod::TableToTable;
 }
 
-bool IsCopiedWidth(std::intptr_t bytes) {
-    return bytes == 1 || bytes == 2 || bytes == 3 || bytes == 4 || bytes == 8;
+bool IsTypedWidth(std::intptr_t bytes) {
+    return bytes == 1 || bytes == 2 || bytes == 4 || bytes == 8;
 }
 
 void CopyPlane(PlaneCopyMethod method, const PlaneView &source, const PlaneView &target) {
     if (source.Width < 1 || source.Height < 1)
         return;
+    if (method == PlaneCopyMethod::Rows)
+        return CopyRows(source, target);
+    if (method == PlaneCopyMethod::Whole)
+        return CopyWhole(source, target);
+    if (method == PlaneCopyMethod::EveryThird)
+        return CopyEveryThird(source, target);
     switch (source.Bytes) {
     case 1:
         Run<std::uint8_t>(method, source, target);
@@ -143,7 +218,7 @@ void CopyPlane(PlaneCopyMethod method, const PlaneView &source, const PlaneView 
         Run<std::uint64_t>(method, source, target);
         break;
     default:
-        break;
+        CopyWidePixels(source, target);
     }
 }
 

@@ -10,9 +10,13 @@ namespace Image {
 
 class vpat_analyzer {
 public:
+    /// Whether every table has to be looked at whole. Known is for an image that this library has just made itself
+    /// with linear tables only: the first two entries of each axis then tell its step.
+    enum class Linearity { Unknown, Known };
+
     /// Holds the image and analyses each plane once. Throws std::runtime_error "image invalid" for what is no image.
-    explicit vpat_analyzer(void *handle);
-    explicit vpat_analyzer(Interface::ImageHolder image);
+    explicit vpat_analyzer(void *handle, Linearity linearity = Linearity::Unknown);
+    explicit vpat_analyzer(Interface::ImageHolder image, Linearity linearity = Linearity::Unknown);
     virtual ~vpat_analyzer() = default;
 
     pOLE::IImageVPA &Image() const { return *image_.Get(); }
@@ -30,6 +34,23 @@ public:
     /// Bytes from each row to the next; 0 when the rows are not linear or there is only one.
     std::intptr_t YStep(std::intptr_t plane) const { return At(plane).YStep; }
 
+    /// What kind of step a plane's columns or rows have, as a set of the bits below; 0 when they have none.
+    unsigned XClass(std::intptr_t plane) const;
+    unsigned YClass(std::intptr_t plane) const;
+    static constexpr unsigned ClassLinear = 1;      ///< there is a common step
+    static constexpr unsigned ClassDense = 2;       ///< of one pixel, or of one pixel of all planes
+    static constexpr unsigned ClassInterleaved = 4; ///< of one pixel of all planes
+    static constexpr unsigned ClassNegative = 8;
+
+    /// True when all planes have one data type and lie pixel by pixel between each other.
+    bool IsInterleaved() const;
+    /// Bytes between the pixels of an interleaved image; else 0 when every plane is dense, -1 when one is not.
+    std::intptr_t ColumnGap() const;
+    /// True when all planes have one data type; also for an image without planes.
+    bool HasOneDatatype() const;
+    /// The plane numbers by the address of their first pixel.
+    std::vector<std::intptr_t> MemoryOrder() const;
+
     /// The address of pixel (0, 0) of a plane.
     char *FirstPixel(std::intptr_t plane) const;
 
@@ -42,7 +63,7 @@ private:
         std::intptr_t YStep = 0;
     };
 
-    void Analyze();
+    void Analyze(Linearity linearity);
     const Plane &At(std::intptr_t plane) const;
 
     Interface::ImageHolder image_;

@@ -215,7 +215,8 @@ TEST(CreateDuplicateImage, TakesPlanesOfDifferentTypesWithoutHarm) {
         image.AddPlane(
             image.Pixels.data(), type, [](std::intptr_t i) { return 4 * i; }, [](std::intptr_t j) { return 8 * j; });
     Handle copy;
-    EXPECT_EQ(CreateDuplicateImage(image.Handle(), copy.Out()) != 0, static_cast<bool>(copy));
+    const bool copied = CreateDuplicateImage(image.Handle(), copy.Out()) != 0;
+    EXPECT_EQ(copied, static_cast<bool>(copy));
     EXPECT_EQ(image.Count(), 1);
 }
 
