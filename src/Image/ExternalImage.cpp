@@ -8,7 +8,6 @@
 #include "Image/TableWriter.h"
 #include "Interface/Boundary.h"
 #include "Interface/ImageGuard.h"
-#include "Matrices.h"
 
 namespace Image {
 
@@ -40,9 +39,8 @@ VPAEntry *CExternalImage::TableSet::Entry0(std::intptr_t plane) const {
 }
 
 CExternalImage::CExternalImage(const ExternalLayout &layout, TImageReleaseCallback release, void *userData)
-    : Base(1), userData_(userData), height_(layout.Height), width_(layout.Width), datatype_(layout.Datatype),
+    : userData_(userData), height_(layout.Height), width_(layout.Width), datatype_(layout.Datatype),
       planes_(layout.Planes), buffer_(layout.Buffer) {
-    InitCoordinateMap(&coordinates_);
     CheckExternalLayout(layout);
     BuildTables(layout);
     Interface::SetBorrowableClass(Interface::BorrowableClass::ExternalImage, AsUnknown(), this);
@@ -64,19 +62,6 @@ void CExternalImage::BuildTables(const ExternalLayout &layout) {
     }
 }
 
-std::int32_t CExternalImage::QueryInterface(const char *id, void **out) {
-    // The query of every call on an image, answered first.
-    if (!Interface::IsInterfaceId(id, ORV_IID_IIMAGEVPA))
-        return Base::QueryInterface(id, out);
-    *out = static_cast<pOLE::IImageVPA *>(this);
-    Base::AddRef();
-    return Interface::StatusOk;
-}
-
-bool CExternalImage::SupportsInterface(const char *id) {
-    return Interface::IsInterfaceId(id, ORV_IID_IUNKNOWN) || Interface::IsInterfaceId(id, ORV_IID_IIMAGEVPA);
-}
-
 std::int32_t CExternalImage::GetImageDimensions(std::intptr_t *planes, std::intptr_t *width, std::intptr_t *height) {
     *planes = planes_;
     *width = width_;
@@ -96,16 +81,6 @@ std::int32_t CExternalImage::GetPlaneVPA(std::intptr_t plane, void **base, VPAEn
         return Interface::StatusParameter;
     *base = buffer_;
     *table = tables_.Entry0(plane);
-    return Interface::StatusOk;
-}
-
-std::int32_t CExternalImage::GetCoordinateMap(TCoordinateMap *map) {
-    *map = coordinates_;
-    return Interface::StatusOk;
-}
-
-std::int32_t CExternalImage::SetCoordinateMap(TCoordinateMap map) {
-    coordinates_ = map;
     return Interface::StatusOk;
 }
 

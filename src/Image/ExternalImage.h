@@ -1,8 +1,8 @@
 // An image over memory of the caller's: it owns its tables only, and tells the caller when it dies.
 #pragma once
 
+#include "Image/CountedImage.h"
 #include "ImageCreation.h"
-#include "Interface/BasicIUnknown.h"
 
 namespace Image {
 
@@ -20,25 +20,16 @@ struct ExternalLayout {
     const std::intptr_t *PlaneOrder; ///< null: 0, 1, 2, ...
 };
 
-class CExternalImage final : public orvBase::CBasicIUnknown<CExternalImage>, public pOLE::IImageVPA {
+class CExternalImage final : public CountedImage<CExternalImage> {
 public:
     /// Throws CImageKernelException for a layout that can't be; release is not called then.
     CExternalImage(const ExternalLayout &layout, TImageReleaseCallback release, void *userData);
 
-    std::int32_t QueryInterface(const char *id, void **out) override;
-    std::uintptr_t AddRef() override { return Base::AddRef(); }
-    std::uintptr_t Release() override { return Base::Release(); }
-    bool SupportsInterface(const char *id) override;
-
     std::int32_t GetImageDimensions(std::intptr_t *planes, std::intptr_t *width, std::intptr_t *height) override;
     std::int32_t GetPlaneDatatype(std::intptr_t plane, TDataType *type) override;
     std::int32_t GetPlaneVPA(std::intptr_t plane, void **base, VPAEntry **table) override;
-    std::int32_t GetCoordinateMap(TCoordinateMap *map) override;
-    std::int32_t SetCoordinateMap(TCoordinateMap map) override;
 
 private:
-    using Base = orvBase::CBasicIUnknown<CExternalImage>;
-
     /// One block from malloc per plane.
     class TableSet {
     public:
@@ -64,7 +55,6 @@ private:
     std::intptr_t width_;
     TDataType datatype_;
     std::intptr_t planes_;
-    TCoordinateMap coordinates_;
     void *buffer_;
     TableSet tables_;
 };

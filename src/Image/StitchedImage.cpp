@@ -4,7 +4,6 @@
 #include "Image/TableWriter.h"
 #include "ImageMaps.h"
 #include "Interface/ImageKernelException.h"
-#include "Matrices.h"
 
 namespace Image {
 namespace {
@@ -53,8 +52,7 @@ bool AdvanceAlike(const VPAEntry *a, const VPAEntry *b, std::intptr_t VPAEntry::
 } // namespace
 
 StitchedImage::StitchedImage(void *first, void *second, std::uint32_t direction)
-    : Base(1), first_(Interface::QueryImage(first)), second_(Interface::QueryImage(second)) {
-    InitCoordinateMap(&coordinates_);
+    : first_(Interface::QueryImage(first)), second_(Interface::QueryImage(second)) {
     if (!first_.IsValid() || !second_.IsValid())
         throw CImageKernelException(ErrNotAnImage);
     if (direction > PanoramaStacked)
@@ -117,10 +115,6 @@ void StitchedImage::BuildPlane(std::intptr_t plane, const Dimensions &first, con
     WriteGuardEntries(table, width_, height_);
 }
 
-bool StitchedImage::SupportsInterface(const char *id) {
-    return Interface::IsInterfaceId(id, ORV_IID_IUNKNOWN) || Interface::IsInterfaceId(id, ORV_IID_IIMAGEVPA);
-}
-
 bool StitchedImage::HasPlane(std::intptr_t plane) const {
     return plane >= 0 && static_cast<std::size_t>(plane) < bases_.size();
 }
@@ -141,16 +135,6 @@ std::int32_t StitchedImage::GetPlaneVPA(std::intptr_t plane, void **base, VPAEnt
         return Interface::StatusParameter;
     *base = bases_[static_cast<std::size_t>(plane)];
     *table = tables_[static_cast<std::size_t>(plane)].data() + GuardEntries;
-    return Interface::StatusOk;
-}
-
-std::int32_t StitchedImage::GetCoordinateMap(TCoordinateMap *map) {
-    *map = coordinates_;
-    return Interface::StatusOk;
-}
-
-std::int32_t StitchedImage::SetCoordinateMap(TCoordinateMap map) {
-    coordinates_ = map;
     return Interface::StatusOk;
 }
 

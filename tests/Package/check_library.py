@@ -1,0 +1,40 @@
+"""The built library: its name for the loader, the libraries that it needs, no search path built in."""
+import argparse
+import os
+import re
+import subprocess
+import sys
+
+SONAME = "libORVImg.so.3"
+# The language's own libraries, and Boost for the per-thread error slot.
+ALLOWED = r"(libstdc\+\+|libm|libgcc_s|libc|libpthread|libdl|ld-linux-x86-64|libboost_thread)\.so\..*"
+# Run-time of the sanitizers, in instrumented builds only.
+INSTRUMENTED = r"lib(a|ub|t)san\.so\..*"
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--library", required=True)
+    parser.add_argument("--readelf", default="readelf")
+    arguments = parser.parse_args()
+    text = subprocess.run([arguments.readelf, "-dW", arguments.library], check=True, capture_output=True,
+                          text=True).stdout
+    found = []
+    if re.findall(r"\(SONAME\).*\[(.*)\]", text) != [SONAME]:
+        found.append(f"the soname is not {SONAME}")
+    if os.path.basename(arguments.library) != SONAME:
+        found.append(f"the file is not called {SONAME}")
+    link = os.path.join(os.path.dirname(arguments.library), "libORVImg.so")
+    if not os.path.islink(link) or os.readlink(link) != SONAME:
+        found.append(f"libORVImg.so is no link to {SONAME}")
+    needed = re.findall(r"\(NEEDED\).*\[(.*)\]", text)
+    found += [f"needs {name}" for name in needed
+              if not re.fullmatch(ALLOWED, name) and not re.fullmatch(INSTRUMENTED, name)]
+    if "(TEXTREL)" in text:
+        found.append("has text relocations")
+    print("\n".join(found) or f"{SONAME}, needs {' '.join(needed)}")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
