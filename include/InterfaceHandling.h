@@ -28,7 +28,8 @@ ORV_API uintptr_t ReleaseIUnknown(void *object);
 
 /** Gives one reference of an image back; unloads plug-ins that are ready when it was the last one.
  *  object  handle; null runs the unload poll only.
- *  Result  the remaining count, cut to 32 bits and sign-extended; 0 for null and for what is no IUnknown. */
+ *  Result  the remaining count, cut to 32 bits and sign-extended; 0 for null and for what is no IUnknown.
+ *  What a plug-in throws when it is asked whether it can go passes on to the caller. */
 ORV_API intptr_t ReleaseImage(void *object);
 
 /** Takes one reference. Result: the new count; -1 for null and for what is no IUnknown. */

@@ -45,6 +45,11 @@ public:
         return 0;
     }
 
+protected:
+    // The slots of the destructor stand before that of SupportsInterface.
+    virtual ~CBasicIUnknown() = default;
+
+public:
     virtual bool SupportsInterface(const char *id) { return Interface::IsInterfaceId(id, ORV_IID_IUNKNOWN); }
 
     /// The object under its primary interface; takes no reference.
@@ -52,7 +57,6 @@ public:
 
 protected:
     explicit CBasicIUnknown(std::int32_t count) : count_(count) {}
-    virtual ~CBasicIUnknown() = default;
 
 private:
     /// The interface's address, or null. Known before run time where T itself derives from I.

@@ -10,8 +10,6 @@
 namespace tkErrors {
 namespace {
 
-constexpr unsigned ErrorCacheClassId = 50;
-
 using Guard = boost::unique_lock<boost::recursive_mutex>;
 
 /// Lives until the process ends: threads and static objects may report at any time.
@@ -23,11 +21,11 @@ boost::thread_specific_ptr<CtkHRESULTErrorCache> &Slots() {
 } // namespace
 
 CtkHRESULTErrorCache::CtkHRESULTErrorCache() {
-    AddClass(ErrorCacheClassId);
+    AddClass(ClassId);
 }
 
 std::uint32_t CtkHRESULTErrorCache::GetClassId() const {
-    return IsValid() ? ErrorCacheClassId : 0xFFFFFFFFu;
+    return WhileValid(ClassId);
 }
 
 void CtkHRESULTErrorCache::Report(std::uint32_t code, const char *text, const char *functionName) {

@@ -10,6 +10,8 @@ namespace tkErrors {
 
 class CtkHRESULTErrorCache : public CtkSystemObject {
 public:
+    static constexpr unsigned ClassId = 50;
+
     /// What the slot holds.
     struct Error {
         std::uint32_t Code = 0;

@@ -108,18 +108,20 @@ intptr_t ShareImage(void *object) {
 bool ShareObject(void *object) {
     if (object == nullptr)
         return false;
-    switch (Interface::KindOf(object)) {
-    case Interface::ObjectKind::TreeNode:
-        static_cast<TSList *>(object)->Share();
-        return true;
-    case Interface::ObjectKind::PresumedInterface:
-        return IsIUnknown(object) && SilentBoundary(false, [object] {
-                   AsUnknown(object)->AddRef();
-                   return true;
-               });
-    default:
-        return false;
-    }
+    return SilentBoundary(false, [object] {
+        switch (Interface::KindOf(object)) {
+        case Interface::ObjectKind::TreeNode:
+            static_cast<TSList *>(object)->Share();
+            return true;
+        case Interface::ObjectKind::PresumedInterface:
+            if (!IsIUnknown(object))
+                return false;
+            AsUnknown(object)->AddRef();
+            return true;
+        default:
+            return false;
+        }
+    });
 }
 
 uintptr_t RefCount(void *object) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/VirtualSlot.h"
 #include "Interface/BasicIUnknown.h"
 #include "Interface/ImageGuard.h"
 #include "Support/TestImages.h"
@@ -11,6 +12,13 @@ namespace {
 
 using Interface::ImageHolder;
 using TestSupport::FakeImage;
+using TestSupport::SlotOf;
+
+TEST(SmartPointer, HasItsSlotsInOrderBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&ImageHolder::IsValid), 2u);
+    EXPECT_EQ(SlotOf(&ImageHolder::operator pOLE::IImageVPA *), 3u);
+    EXPECT_EQ(SlotOf(&ImageHolder::Get), 4u);
+}
 
 TEST(SmartPointer, GivesItsReferenceBackOnce) {
     const auto image = FakeImage::Planar(2, 2, 1, 8);
@@ -41,7 +49,8 @@ TEST(SmartPointer, DetachHandsTheReferenceOver) {
 /// An object with a bitmap interface that it also tells of, and a colour model that it keeps to itself.
 class Sample final : public orvBase::CBasicIUnknown<Sample>, public pOLE::IImageDIB {
 public:
-    explicit Sample(bool *destroyed, bool tellsAll) : CBasicIUnknown(1), destroyed_(destroyed), tellsAll_(tellsAll) {}
+    explicit Sample(bool *destroyed, bool tellsAll, std::int32_t count = 1)
+        : CBasicIUnknown(count), destroyed_(destroyed), tellsAll_(tellsAll) {}
     std::int32_t QueryInterface(const char *id, void **out) override {
         return CBasicIUnknown::QueryInterface(id, out);
     }
@@ -89,10 +98,38 @@ TEST(BasicIUnknown, ASupportedIdOutsideTheListGivesNull) {
     void *out = &out;
     EXPECT_EQ(object->QueryInterface(ORV_IID_IGRABBER, &out), NoInterface);
     EXPECT_EQ(out, nullptr);
+    out = &out;
     EXPECT_EQ(object->QueryInterface(ORV_IID_IIMAGEVPA, &out), NoInterface) << "the object has no such base";
     EXPECT_EQ(object->QueryInterface(ORV_IID_IIPPIPROXY, &out), NoInterface);
     EXPECT_EQ(object->QueryInterface(ORV_IID_ICOLORMODELINFO, &out), NoInterface);
+    EXPECT_EQ(out, &out) << "a base that is missing leaves the output";
     EXPECT_EQ(object->Release(), 0u);
+    EXPECT_TRUE(destroyed);
+}
+
+TEST(BasicIUnknown, AReleaseBelowZeroGivesZeroAndDestroysNothing) {
+    bool destroyed = false;
+    auto *object = new Sample(&destroyed, true, 0);
+    EXPECT_EQ(object->Release(), 0u);
+    EXPECT_FALSE(destroyed);
+    EXPECT_EQ(object->AddRef(), 0u);
+    EXPECT_EQ(object->AddRef(), 1u);
+    EXPECT_EQ(object->Release(), 0u);
+    EXPECT_TRUE(destroyed);
+}
+
+TEST(BasicIUnknown, HasItsCountFirstAndItsDestructorBeforeTheQuestionForInterfaces) {
+    bool destroyed = false;
+    auto *object = new Sample(&destroyed, true, 5);
+    std::int32_t count = 0;
+    std::memcpy(&count, reinterpret_cast<const char *>(object->AsUnknown()) + sizeof(void *), sizeof count);
+    EXPECT_EQ(count, 5);
+    EXPECT_EQ(SlotOf(&pOLE::IUnknown::QueryInterface), 0u);
+    EXPECT_EQ(SlotOf(&pOLE::IUnknown::AddRef), 1u);
+    EXPECT_EQ(SlotOf(&pOLE::IUnknown::Release), 2u);
+    EXPECT_EQ(SlotOf(&Sample::CBasicIUnknown::SupportsInterface), 5u) << "the destructor has the slots 3 and 4";
+    while (object->Release() > 0) {
+    }
     EXPECT_TRUE(destroyed);
 }
 

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 
 #include "InterfaceHandling.h"
 #include "Support/TestImages.h"
@@ -116,8 +117,27 @@ TEST(UnloadList, AnExceptionOfAPlugInPassesOnAndLeavesTheListUsable) {
     void *handle = Register(first, object, Throw);
     EXPECT_THROW(Streaming::PollUnloadList(), std::runtime_error);
     Plugin::SetAnswer(handle, Yes);
+    // From another thread: the one that met the exception could take a lock again that it had kept.
+    std::thread(Streaming::PollUnloadList).join();
+    EXPECT_FALSE(first.IsLoaded());
+}
+
+TEST(UnloadList, AsksFromTheSecondPlugInOnAgainBehindOneThatWent) {
+    const Plugin first("first"), second("second"), third("third");
+    OnlyUnknown object;
+    void *head = Register(first, object, No);
+    void *next = Register(second, object, No);
+    Register(third, object, Yes);
+    Streaming::PollUnloadList();
+    EXPECT_FALSE(third.IsLoaded());
+    EXPECT_EQ(Plugin::TimesAsked(head), 1);
+    EXPECT_EQ(Plugin::TimesAsked(next), 2);
+    Plugin::SetAnswer(head, Yes);
+    Plugin::SetAnswer(next, Yes);
+    Streaming::PollUnloadList();
     Streaming::PollUnloadList();
     EXPECT_FALSE(first.IsLoaded());
+    EXPECT_FALSE(second.IsLoaded());
 }
 
 TEST(UnloadList, IsPolledByReleaseImageAndReleaseObjectWithANullPointer) {
@@ -148,6 +168,23 @@ TEST(UnloadList, IsPolledWhenALastReferenceGoesAndNotBefore) {
     EXPECT_TRUE(ReleaseObject(pointer));
     EXPECT_EQ(pointer, nullptr);
     EXPECT_EQ(Plugin::TimesAsked(handle), 2);
+    OnlyUnknown last;
+    EXPECT_EQ(ReleaseIUnknown(last.Handle()), 0u);
+    TestSupport::NullInterfaceUnknown foreign;
+    EXPECT_EQ(ReleaseImage(foreign.Handle()), 0);
+    EXPECT_EQ(Plugin::TimesAsked(handle), 2) << "neither of the two polls";
+    Plugin::SetAnswer(handle, Yes);
+    Streaming::PollUnloadList();
+}
+
+TEST(UnloadList, AnExceptionInThePollPassesThroughReleaseImage) {
+    const Plugin first("first");
+    OnlyUnknown object;
+    void *handle = Register(first, object, Throw);
+    EXPECT_THROW(ReleaseImage(nullptr), std::runtime_error);
+    OnlyUnknown last;
+    EXPECT_THROW(ReleaseImage(last.Handle()), std::runtime_error);
+    EXPECT_TRUE(last.Destroyed());
     Plugin::SetAnswer(handle, Yes);
     Streaming::PollUnloadList();
 }

@@ -1,4 +1,5 @@
 // The pool of the list's elements, and what the list throws.
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -45,6 +46,29 @@ TEST(CtkDLListPool, AListOf10WithGrowBy4HoldsThreeBlocks) {
     EXPECT_EQ(list.GetBlockCount(), 3);
     list.RemoveAll();
     EXPECT_EQ(list.GetBlockCount(), 3);
+}
+
+TEST(CtkDLListPool, HasItsFieldsInOrder) {
+    struct Fields {
+        std::int32_t Count;
+        std::int32_t GrowBy;
+        void *BlockChain;
+        List::Node *Head, *Tail, *FreeHead, *FreeTail;
+    } fields;
+    List list(4);
+    for (int i = 0; i < 2; ++i)
+        list.AddTail(i);
+    std::memcpy(&fields, reinterpret_cast<const char *>(&list) + sizeof(CtkContainerObject), sizeof fields);
+    EXPECT_EQ(fields.Count, 2);
+    EXPECT_EQ(fields.GrowBy, 4);
+    EXPECT_NE(fields.BlockChain, nullptr);
+    EXPECT_EQ(fields.Head, list.HeadNode());
+    EXPECT_EQ(fields.Tail, list.TailNode());
+    EXPECT_EQ(fields.FreeHead, list.TailNode() + 1) << "the elements of a block are used in their order";
+    EXPECT_EQ(fields.FreeTail, list.TailNode() + 2);
+    EXPECT_EQ(offsetof(List::Node, Next), 0u);
+    EXPECT_EQ(offsetof(List::Node, Prev), sizeof(void *));
+    EXPECT_EQ(offsetof(List::Node, Item), 2 * sizeof(void *));
 }
 
 TEST(CtkDLListPool, UsesRemovedElementsAgain) {

@@ -1,6 +1,7 @@
 #include "CtkHRESULTException.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <type_traits>
 
 #include "VirtualSlot.h"
@@ -14,12 +15,6 @@ using tkMath::CtkMathException;
 
 static_assert(!std::is_base_of_v<std::exception, CtkHRESULTException>);
 static_assert(std::is_base_of_v<CtkHRESULT, CtkHRESULTException>);
-
-/// What keeps its closing NUL: the byte behind the visible text and the one behind that are both 0.
-std::string WholeMessage(CtkHRESULTException &exception) {
-    const char *text = exception.What();
-    return std::string(text, std::string(text).size() + 1);
-}
 
 TEST(CtkHRESULTException, WhatComposesTextOriginAndPlace) {
     CtkHRESULTException exception(0x80012003u, "It broke", "Machine.cpp", 17);
@@ -56,8 +51,11 @@ TEST(CtkHRESULTException, WhatTellsNoLineWithoutAFile) {
 }
 
 TEST(CtkHRESULTException, WhatEndsInANulOfItsOwn) {
+    mallopt(M_PERTURB, 0x55); // fresh memory is not 0, so that the byte behind the text is 0 only when it was written
     CtkHRESULTException exception(0, "T", nullptr, 0);
-    EXPECT_EQ(WholeMessage(exception).back(), '\0');
+    const std::string visible = "T. Exception from Sub-Facility Nr. 0 of Facility Nr. 0.";
+    EXPECT_EQ(std::string(exception.What(), visible.size() + 2), visible + std::string(2, '\0'));
+    mallopt(M_PERTURB, 0);
 }
 
 TEST(CtkHRESULTException, WhatComposesOnce) {

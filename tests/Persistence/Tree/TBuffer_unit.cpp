@@ -47,6 +47,30 @@ TEST(TBuffer, IsADataNodeWithItsTags) {
     EXPECT_EQ(buffer->GetClassTag(), 22u);
 }
 
+TEST(TBuffer, HasItsFieldsInOrder) {
+    struct Fields {
+        std::uint32_t DataPointerTag;
+        std::uint32_t Tag;
+        void *Data;
+        std::size_t Size;
+        bool Owned;
+        TBuffer::ReleaseFunction ReleaseFn;
+        void *Context;
+    } fields;
+    Released released;
+    char bytes[4] = {};
+    const auto buffer = MakeNode<TBuffer>();
+    ASSERT_TRUE(buffer->Attach(bytes, sizeof bytes, Released::Note, &released));
+    std::memcpy(&fields, reinterpret_cast<const char *>(buffer.Get()) + sizeof(TSList), sizeof fields);
+    EXPECT_EQ(fields.DataPointerTag, 24u);
+    EXPECT_EQ(fields.Tag, 22u);
+    EXPECT_EQ(fields.Data, bytes);
+    EXPECT_EQ(fields.Size, 4u);
+    EXPECT_FALSE(fields.Owned);
+    EXPECT_EQ(fields.ReleaseFn, &Released::Note);
+    EXPECT_EQ(fields.Context, &released);
+}
+
 TEST(TBuffer, HoldsNothingAtFirst) {
     const auto buffer = MakeNode<TBuffer>();
     EXPECT_EQ(buffer->GetData(), nullptr);

@@ -198,10 +198,15 @@ TEST(TSList, AChildThatThrowsEndsTheWalkSilently) {
 
 TEST(TSList, ResetBringsNumberAndGuardsBack) {
     const auto node = MakeNode<TSList>();
-    node->SetStreamIndex(9);
-    node->Reset();
-    EXPECT_EQ(node->GetStreamIndex(), -1);
-    EXPECT_TRUE(node->HasValidGuards());
+    auto *guards = reinterpret_cast<char *>(node.Get()) + sizeof(CtkDLList<TSList *>) + sizeof(std::int32_t);
+    for (const std::size_t spoiled : {0u, 4u}) {
+        node->SetStreamIndex(9);
+        std::memset(guards + spoiled, 0, 1);
+        EXPECT_FALSE(node->HasValidGuards()) << "one wrong guard is enough";
+        node->Reset();
+        EXPECT_EQ(node->GetStreamIndex(), -1);
+        EXPECT_TRUE(node->HasValidGuards());
+    }
 }
 
 TEST(TSList, WithoutChildrenIsStoredAsFourZeroBytes) {
