@@ -2,17 +2,18 @@
 #include "gallery.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace {
 
 constexpr intptr_t gap = 10;
-constexpr intptr_t smallCell = 150;
-constexpr intptr_t largeCell = 2 * smallCell + gap;
-constexpr intptr_t largeCellWidth = 390;
-constexpr intptr_t sheetWidth = largeCellWidth + 2 * smallCell + 4 * gap;
-constexpr intptr_t sheetHeight = largeCell + 2 * gap;
-constexpr unsigned char paper = 255;
+constexpr intptr_t viewCell = 120;
+constexpr intptr_t upperHeight = 2 * viewCell + gap;
+constexpr intptr_t sourceWidth = 333;
+constexpr intptr_t stripWidth = 515;
+constexpr intptr_t stripHeight = 90;
+constexpr intptr_t planeWidth = (stripWidth - 2 * gap) / 3;
+constexpr intptr_t sheetWidth = sourceWidth + 3 * viewCell + 5 * gap;
+constexpr intptr_t sheetHeight = upperHeight + 2 * stripHeight + 4 * gap;
 
 struct Cell {
     intptr_t left;
@@ -56,22 +57,26 @@ void DrawInto(void *sheet, void *image, const Cell &cell) {
 
 } // namespace
 
-ImageHandle DrawGallery(void *source, const std::vector<View> &views) {
-    ImageHandle sheet;
-    if (!CreateGenericImage(3, sheetWidth, sheetHeight, false, sheet.Out()) || sheet.Get() == nullptr)
-        throw std::runtime_error("no memory for the gallery");
-    for (intptr_t p = 0; p < 3; ++p)
-        for (intptr_t y = 0; y < sheetHeight; ++y)
-            for (intptr_t x = 0; x < sheetWidth; ++x)
-                *AddressOf(PlaneOf(sheet.Get(), p), x, y) = paper;
+ImageHandle DrawGallery(void *source, const std::vector<View> &views, const Compositions &made) {
+    ImageHandle sheet = BlankPaper(3, sheetWidth, sheetHeight);
+    const auto draw = [&sheet](void *image, const Cell &cell) { DrawInto(sheet.Get(), image, cell); };
 
-    DrawInto(sheet.Get(), source, {gap, gap, largeCellWidth, largeCell});
-    for (std::size_t i = 0; i < views.size(); ++i) {
-        const intptr_t column = static_cast<intptr_t>(i % 2);
-        const intptr_t row = static_cast<intptr_t>(i / 2);
-        DrawInto(sheet.Get(), views[i].image.Get(),
-                 {2 * gap + largeCellWidth + column * (smallCell + gap), gap + row * (smallCell + gap), smallCell,
-                  smallCell});
-    }
+    draw(source, {gap, gap, sourceWidth, upperHeight});
+    const auto upperCell = [](intptr_t column, intptr_t row) {
+        return Cell{2 * gap + sourceWidth + column * (viewCell + gap), gap + row * (viewCell + gap), viewCell,
+                    viewCell};
+    };
+    for (std::size_t i = 0; i < views.size(); ++i)
+        draw(views[i].image.Get(), upperCell(static_cast<intptr_t>(i % 2), static_cast<intptr_t>(i / 2)));
+    for (std::size_t i = 0; i < made.recombined.size(); ++i)
+        draw(made.recombined[i].image.Get(), upperCell(2, static_cast<intptr_t>(i)));
+
+    const intptr_t lower = 2 * gap + upperHeight;
+    draw(made.strip.picture.Get(), {gap, lower, stripWidth, stripHeight});
+    for (std::size_t i = 0; i < made.split.size(); ++i)
+        draw(made.split[i].image.Get(), {gap + static_cast<intptr_t>(i) * (planeWidth + gap),
+                                         lower + stripHeight + gap, planeWidth, stripHeight});
+    draw(made.overlay.picture.Get(),
+         {2 * gap + stripWidth, lower, sheetWidth - stripWidth - 3 * gap, 2 * stripHeight + gap});
     return sheet;
 }

@@ -1,8 +1,9 @@
-// The code that the pages under docs quote, compiled and run: main tries each piece and gives 0 only when all of them
-// do what the page says. The marks around a piece say under which name a page quotes it.
+// Code that the pages under docs quote, compiled and run: main tries each piece and gives 0 only when all of them do
+// what the page says. The marks around a piece say under which name a page quotes it. Cut and composed views have a
+// file of their own, manual_views.cpp.
+#include "expect.h"
 #include "image_handle.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -112,15 +113,6 @@ bool IsError(uint32_t reported, uint32_t constant) {
 }
 // end of quote
 
-int failures = 0;
-
-void Expect(bool holds, const char *what) {
-    if (!holds) {
-        std::printf("does not hold: %s\n", what);
-        ++failures;
-    }
-}
-
 void TryPixels() {
     unsigned char pixels[] = {1, 2, 3, 40, 50, 60};
     ImageHandle image, turned;
@@ -193,6 +185,5 @@ int main() {
     TryCoordinates();
     TryOwnership();
     TryErrors();
-    std::printf("%s\n", failures == 0 ? "the quoted code does what the manual says" : "the manual is wrong");
-    return failures == 0 ? 0 : 1;
+    return Conclude();
 }

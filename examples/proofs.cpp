@@ -75,12 +75,12 @@ bool SamePixels(void *first, void *second) {
 }
 
 bool NoPixelMoved(const View &view, void *source) {
-    const intptr_t planes = ImageDimension(source);
-    if (ImageDimension(view.image.Get()) != planes)
+    const intptr_t planes = static_cast<intptr_t>(view.sourcePlanes.size());
+    if (ImageDimension(view.image.Get()) != planes || planes == 0)
         return false;
     for (intptr_t p = 0; p < planes; ++p) {
         const TPlaneRec shown = PlaneOf(view.image.Get(), p);
-        const TPlaneRec original = PlaneOf(source, p);
+        const TPlaneRec original = PlaneOf(source, view.sourcePlanes[static_cast<std::size_t>(p)]);
         for (intptr_t y = 0; y < shown.Height; ++y)
             for (intptr_t x = 0; x < shown.Width; ++x) {
                 const Point place = view.toSource({static_cast<double>(x), static_cast<double>(y)});
@@ -93,30 +93,32 @@ bool NoPixelMoved(const View &view, void *source) {
 }
 
 bool WriteShowsInSource(const View &view, void *source, const CallersBuffer &buffer) {
-    const intptr_t plane = buffer.planes - 1; // blue, or the only one
+    const intptr_t plane = ImageDimension(view.image.Get()) - 1;
+    const intptr_t sourcePlane = view.sourcePlanes.back();
     const intptr_t x = ImageWidth(view.image.Get()) / 3;
     const intptr_t y = ImageHeight(view.image.Get()) / 4;
     const Point place = view.toSource({static_cast<double>(x), static_cast<double>(y)});
     const intptr_t sourceX = static_cast<intptr_t>(place.x);
     const intptr_t sourceY = static_cast<intptr_t>(place.y);
+    // The memory begins with the image's last plane.
+    const intptr_t byte = (sourceY * buffer.width + sourceX) * buffer.planes + buffer.planes - 1 - sourcePlane;
 
     uint64_t before = 0;
     uint64_t after = 0;
-    if (!GetPixVal(source, plane, sourceX, sourceY, &before))
+    if (!GetPixVal(source, sourcePlane, sourceX, sourceY, &before))
         return false;
     const uint64_t written = before ^ 0xFFu;
-    const bool done =
-        SetPixVal(view.image.Get(), plane, x, y, &written) && GetPixVal(source, plane, sourceX, sourceY, &after) &&
-        after == written &&
-        buffer.bytes[static_cast<std::size_t>((sourceY * buffer.width + sourceX) * buffer.planes)] == written;
+    const bool done = SetPixVal(view.image.Get(), plane, x, y, &written) &&
+                      GetPixVal(source, sourcePlane, sourceX, sourceY, &after) && after == written &&
+                      buffer.bytes[static_cast<std::size_t>(byte)] == written;
     return SetPixVal(view.image.Get(), plane, x, y, &before) && done &&
-           GetPixVal(source, plane, sourceX, sourceY, &after) && after == before;
+           GetPixVal(source, sourcePlane, sourceX, sourceY, &after) && after == before;
 }
 
-bool FileHoldsTheView(const View &view, const std::string &path) {
+bool FileHolds(void *image, const std::string &path) {
     ImageHandle loaded;
-    return WriteImageFile(view.image.Get(), path.c_str()) && LoadImageFile(path.c_str(), loaded.Out()) &&
-           SamePixels(view.image.Get(), loaded.Get());
+    return WriteImageFile(image, path.c_str()) && LoadImageFile(path.c_str(), loaded.Out()) &&
+           SamePixels(image, loaded.Get());
 }
 
 double LargestMarkError(const View &view, const std::vector<Mark> &marks) {

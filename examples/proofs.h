@@ -13,8 +13,8 @@ bool NoPixelMoved(const View &view, void *source);
 /// A value written through the view appears in the source and in the caller's own memory; it is put back.
 bool WriteShowsInSource(const View &view, void *source, const CallersBuffer &buffer);
 
-/// Writes the view as a bitmap, loads the file again and compares all pixels.
-bool FileHoldsTheView(const View &view, const std::string &path);
+/// Writes an image as a bitmap, loads the file again and compares all pixels.
+bool FileHolds(void *image, const std::string &path);
 
 /// Measures the centre of each mark that lies whole in the view, through the view's own table, and gives the largest
 /// distance in pixels from where it was drawn.

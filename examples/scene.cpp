@@ -131,7 +131,7 @@ Scene DrawScene() {
     for (Channel &channel : channels)
         Blur(channel);
 
-    Scene scene{sceneWidth, sceneHeight, {}, {}, {}};
+    Scene scene{sceneWidth, sceneHeight, OnBoard(0.0, 0.0, 10.0), {}, {}, {}};
     std::mt19937 generator(20260);
     for (std::size_t i = 0; i < pixels; ++i) {
         const double grey = 0.299 * channels[0][i] + 0.587 * channels[1][i] + 0.114 * channels[2][i];

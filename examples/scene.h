@@ -14,6 +14,7 @@ struct Mark {
 struct Scene {
     int width;
     int height;
+    Mark middle; ///< the mark in the middle of the board; a half turn about it leads the board onto itself
     std::vector<Mark> marks;
     std::vector<std::uint8_t> grey;         ///< width x height bytes, first row first, no padding
     std::vector<std::uint8_t> blueGreenRed; ///< three bytes per pixel, first row first, no padding

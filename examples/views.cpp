@@ -2,9 +2,9 @@
 #include "views.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <memory>
+#include <numeric>
 #include <stdexcept>
 
 namespace {
@@ -23,11 +23,6 @@ void ReportRelease(void *, void *userData) {
     --piece->buffer.imagesAlive;
 }
 
-void Require(bool done, const char *what) {
-    if (!done)
-        throw std::runtime_error(std::string(what) + " failed: " + LastError());
-}
-
 View Turned(void *source, TVPATRotation rotation) {
     const double right = static_cast<double>(ImageWidth(source) - 1);
     const double bottom = static_cast<double>(ImageHeight(source) - 1);
@@ -43,6 +38,7 @@ View Turned(void *source, TVPATRotation rotation) {
         view = {"turned by 180 degrees", "turned180", halfTurn, halfTurn};
     else
         view = {"turned by 270 degrees", "turned270", fromRightTurn, toRightTurn};
+    view.sourcePlanes = PlanesInOrder(ImageDimension(source));
     Require(CreateRotatedImageMap(source, rotation, view.image.Out()), "CreateRotatedImageMap");
     return view;
 }
@@ -58,18 +54,9 @@ View HalvesExchanged(CallersBuffer &buffer) {
     const ImageHandle leftHalf = Wrap(buffer, 0, std::max<intptr_t>(cut, 1));
     const auto fromJoined = [=](Point p) { return Point{p.x < joint ? p.x + cutAt : p.x - joint, p.y}; };
     const auto toJoined = [=](Point p) { return Point{p.x < cutAt ? p.x + joint : p.x - cutAt, p.y}; };
-    View view{"halves exchanged", "exchanged", fromJoined, toJoined};
+    View view{"halves exchanged", "exchanged", fromJoined, toJoined, PlanesInOrder(buffer.planes)};
     Require(CreatePanoramicImageMap(rightHalf.Get(), leftHalf.Get(), PanoramaSideBySide, view.image.Out()),
             "CreatePanoramicImageMap");
-    return view;
-}
-
-template <class Maker>
-View Timed(Maker make) {
-    const auto start = std::chrono::steady_clock::now();
-    View view = make();
-    view.microsecondsToMake =
-        std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
     return view;
 }
 
@@ -110,6 +97,17 @@ std::vector<View> MakeViews(void *source, CallersBuffer &buffer) {
         views.push_back(Timed([&] { return Turned(source, rotation); }));
     views.push_back(Timed([&] { return HalvesExchanged(buffer); }));
     return views;
+}
+
+std::vector<intptr_t> PlanesInOrder(intptr_t count) {
+    std::vector<intptr_t> planes(static_cast<std::size_t>(count));
+    std::iota(planes.begin(), planes.end(), 0);
+    return planes;
+}
+
+void Require(bool done, const char *what) {
+    if (!done)
+        throw std::runtime_error(std::string(what) + " failed: " + LastError());
 }
 
 std::string LastError() {
