@@ -1,7 +1,7 @@
 /* The coordinate system of an image: a map from image coordinates to pixel coordinates, both real numbers.
- * Handles that are null or have no IImageVPA report ErrNotAnImage under "SetImageCoordinates",
- * "GetImageCoordinates" or "SetImageOrigin"; the functions that read the map first then add a second report,
- * ErrGeneral under their own name, and leave their outputs untouched. */
+ * Handles that are null or have no IImageVPA report ErrNotAnImage under "SetImageCoordinates", "GetImageCoordinates"
+ * or "SetImageOrigin"; the functions that read the map first then add a second report, ErrGeneral under their own
+ * name, and leave their outputs untouched. What the operations of an image throw passes on. */
 #ifndef ORV_IMAGE_COORDINATES_H
 #define ORV_IMAGE_COORDINATES_H
 

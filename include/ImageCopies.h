@@ -11,24 +11,27 @@ ORV_BEGIN_C
  *  overlay        non-zero marks every plane of the result as an overlay plane.
  *  out            the new image with one reference.
  *  Result         false: ErrNotAnImage reported for what is no image; ErrIndexRange when width or height is negative
- *                 and neither is 0; no report when the image can't be made. An image of plain 8-bit planes becomes
- *                 what CreateGenericImage makes, one of equal types what CreateGenericImageDT makes. Planes of
- *                 different types become typed planes each, gathered into one image. */
+ *                 and neither is 0; ErrGeneral when image refuses a plane's data type; no report
+ *                 when the result can't be made.
+ *  An image of plain 8-bit planes becomes what CreateGenericImage makes, one of equal types what CreateGenericImageDT
+ *  makes. Planes of different types become typed planes each, gathered into one image. */
 ORV_API bool CreateCompatibleImage(void *image, intptr_t width, intptr_t height, unsigned char overlay, void **out);
 
 /** Makes a copy of an image: its pixels in plain buffers, and its coordinate map.
  *  result  the copy with one reference; untouched on failure.
- *  Result  1; 0 on failure. Reports: ErrNotAnImage for what is no image; ErrGeneral when the target can't be made;
- *          ErrDataType for each plane whose pixels are not 1, 2, 4 or 8 bytes wide (it is zeroed in the copy), and
- *          then code 1 when others were copied, ErrDataType and result 0 when none was. */
+ *  Result  1; 0 on failure. Reports: ErrNotAnImage for what is no image; ErrGeneral when the target can't be made
+ *          or the image refuses its pixels; ErrDataType for each plane whose pixels are not 1, 2, 4 or 8 bytes
+ *          wide (it is zeroed in the copy), and then code 1 when others were copied, ErrDataType and result 0 when
+ *          none was. */
 ORV_API int32_t CreateDuplicateImage(void *image, void **result);
 
 /** Makes a copy of an image in one block of memory: pixel by pixel interleaved whatever the source was, rows not
  *  padded. Planes of different data types get a block each.
  *  out     the copy with one reference and the source's coordinate map; untouched on failure.
- *  Result  true. False: ErrNotAnImage reported for what is no image; ErrCreateFailed when memory is short; the
- * reports of CopyImageRectPlanes when pixels can't be copied. Required of old: where planes of different types can't
- *          be made the result is true, with ErrCreateFailed reported and out untouched. */
+ *  Result  true; false with a report: ErrNotAnImage for what is no image; ErrCreateFailed when the copy can't be
+ *          made; that of CopyImageRectPlanes when the pixels can't be copied. Planes of different types that can't
+ *          be made give true, with ErrCreateFailed reported and out untouched.
+ *  Raises  what the image's own operations throw, and std::runtime_error for an image that refuses a plane. */
 ORV_API bool CreateDuplicateImageEx(void *image, void **out);
 
 /** Gathers the planes of several images of one size into one image.

@@ -34,7 +34,8 @@ typedef enum TPanoramaDirection {
  *  Result     false with a report under this function's name, the code without its failure bit: 0x10 for what is no
  *             image, 2 for another direction, 0x1A when plane counts or sizes do not match, 0x1C when data types
  *             differ other than in the overlay bit, 0x13 when the tables do not advance alike along the axis that
- *             is not joined (one table per plane must do for both).
+ *             is not joined (one table per plane must do for both), 5 for a size beyond a machine word. Anything
+ *             else, like short memory or a null out, is reported as ErrGeneral or as its number 1.
  *  Cost       O(width + height) per plane. */
 ORV_API bool CreatePanoramicImageMap(void *first, void *second, uint32_t direction, void **out);
 

@@ -1,6 +1,7 @@
 /* Asking an image for its form, a data type word for its meaning, and single pixels for their values.
  * Every function with an image takes any handle with IImageVPA. For a null handle or one without it, where nothing
- * else is told, it reports ErrNotAnImage under its own name and returns its failure value. */
+ * else is told, it reports ErrNotAnImage under its own name and returns its failure value. What the operations of an
+ * image throw passes on. */
 #ifndef ORV_IMAGE_QUERIES_H
 #define ORV_IMAGE_QUERIES_H
 
@@ -23,7 +24,7 @@ ORV_API bool IsOverlayImage(void *image);
 /** True when there is a plane and every plane has 8 bits per pixel. False on failure. */
 ORV_API bool IsAll8Bit(void *image);
 /** Writes a plane's base address and a pointer to entry 0 of its table, good as long as the image lives. False,
- *  without a report, when the image refuses the plane number. */
+ *  without a report, when the image refuses the plane number or an output is null. */
 ORV_API bool GetImageVPA(void *image, intptr_t plane, void **base, VPAEntry **table);
 /** Writes the area of all pixel centres, (0, 0) to (width - 1, height - 1), in pixel coordinates. */
 ORV_API bool MaxImageArea(void *image, TArea *out);

@@ -1,6 +1,7 @@
 /* Images made of the planes and rectangles of others. Without a copy where the caller shares: the result then has
  * tables of its own over the pixels of its sources, a write shows in both, and each plane keeps its source alive.
- * None of these functions reports. */
+ * None of these functions reports by itself; a copy that fails leaves the report of CreateDuplicateImage. What a
+ * source throws passes on, but for a CtkExceptionObject in CreateImageMap. */
 #ifndef ORV_IMAGE_VIEWS_H
 #define ORV_IMAGE_VIEWS_H
 
@@ -15,8 +16,8 @@ ORV_BEGIN_C
  *  alignOrigins   0: insert is resampled to the size of image by its table. Non-zero: both are laid over each other
  *                 with their rounded origins in one place, and the result is their overlap.
  *  out            the result with one reference; null on failure once both are images.
- *  Result         1; 0 when either is no image or position is negative. Images that do not overlap raise
- *                 CtkExceptionObject "Nonintersecting images", with out null.
+ *  Result         1; 0 when either is no image, position is negative, or the view or its copy can't be made.
+ *                 Images that do not overlap raise CtkExceptionObject "Nonintersecting images", with out null.
  *  The coordinate map is that of image; aligned, with the origin of the overlap. */
 ORV_API int32_t CreateImageInsertList(void *image, void *insert, intptr_t position, unsigned char share,
                                       unsigned char alignOrigins, void **out);

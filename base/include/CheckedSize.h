@@ -24,6 +24,12 @@ template <MachineWord T, std::same_as<T>... Rest>
     return true;
 }
 
+/// The distance of a step from 0, also of the lowest one, which has no positive counterpart.
+[[nodiscard]] constexpr std::size_t Magnitude(std::int64_t step) noexcept {
+    const auto word = static_cast<std::size_t>(step);
+    return step < 0 ? 0 - word : word;
+}
+
 /// result = first + ... in the order given. False, with result untouched, when the sum or one on the way to it leaves
 /// the range of the word.
 template <MachineWord T, std::same_as<T>... Rest>

@@ -45,7 +45,7 @@ bool SetImageCoordinates(void *image, TCoordinateMap map) {
 
 bool GetImageCoordinates(void *image, TCoordinateMap *out) {
     const Interface::ImageForCall holder = Interface::GuardCall(image, GetImageCoordinatesName);
-    if (!holder.IsValid())
+    if (!holder.IsValid() || out == nullptr)
         return false;
     holder->GetCoordinateMap(out);
     return true;
@@ -66,7 +66,7 @@ bool SetImageOrigin(void *image, double x, double y) {
 
 bool GetImageOrigin(void *image, double *outX, double *outY) {
     TCoordinateMap map;
-    if (!ReadMapFor(GetImageOriginName, image, map))
+    if (!ReadMapFor(GetImageOriginName, image, map) || outX == nullptr || outY == nullptr)
         return false;
     *outX = map.X;
     *outY = map.Y;
@@ -75,13 +75,13 @@ bool GetImageOrigin(void *image, double *outX, double *outY) {
 
 void PixelToImage(void *image, double *outX, double *outY, double x, double y) {
     TCoordinateMap map;
-    if (ReadMapFor(PixelToImageName, image, map))
+    if (ReadMapFor(PixelToImageName, image, map) && outX != nullptr && outY != nullptr)
         CoordinateMapInverseTransform(outX, outY, map, x, y);
 }
 
 void ImageToPixel(void *image, double *outX, double *outY, double x, double y) {
     TCoordinateMap map;
-    if (ReadMapFor(ImageToPixelName, image, map))
+    if (ReadMapFor(ImageToPixelName, image, map) && outX != nullptr && outY != nullptr)
         CoordinateMapTransform(outX, outY, map, x, y);
 }
 
@@ -101,7 +101,7 @@ bool ImageToPixelCoordinates(void *image, double *outX, double *outY, double x, 
 
 bool MaxImageArea(void *image, TArea *out) {
     const Interface::ImageForCall holder = Interface::GuardCall(image, MaxImageAreaName);
-    if (!holder.IsValid())
+    if (!holder.IsValid() || out == nullptr)
         return false;
     intptr_t planes = 0;
     intptr_t width = 0;
@@ -113,12 +113,12 @@ bool MaxImageArea(void *image, TArea *out) {
 
 void PixelAreaToImage(void *image, TArea *out, TArea area) {
     TCoordinateMap map;
-    if (ReadMapFor(PixelAreaToImageName, image, map))
+    if (ReadMapFor(PixelAreaToImageName, image, map) && out != nullptr)
         CoordinateMapInverseTransformArea(out, area, map);
 }
 
 void ImageAreaToPixel(void *image, TArea *out, TArea area) {
     TCoordinateMap map;
-    if (ReadMapFor(ImageAreaToPixelName, image, map))
+    if (ReadMapFor(ImageAreaToPixelName, image, map) && out != nullptr)
         CoordinateMapTransformArea(out, area, map);
 }

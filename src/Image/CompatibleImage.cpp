@@ -12,9 +12,8 @@ constexpr const char *FunctionName = "CreateCompatibleImage";
 
 /// The data types of all planes. False when the image refuses one.
 bool ReadDatatypes(pOLE::IImageVPA &image, intptr_t planes, std::vector<TDataType> &types) {
-    types.resize(static_cast<std::size_t>(planes));
     for (intptr_t plane = 0; plane < planes; ++plane)
-        if (image.GetPlaneDatatype(plane, &types[static_cast<std::size_t>(plane)]) != Interface::StatusOk)
+        if (image.GetPlaneDatatype(plane, &types.emplace_back()) != Interface::StatusOk)
             return false;
     return true;
 }

@@ -5,6 +5,7 @@
 #include "ImageCopies.h"
 #include "ImageQueries.h"
 #include "ImageViews.h"
+#include "Interface/ErrorTexts.h"
 #include "Interface/ImageGuard.h"
 #include "InterfaceHandling.h"
 
@@ -62,7 +63,7 @@ ImageHolder Chain(const std::vector<ImageHolder> &images) {
 
 bool CreateConcatenatedImage(void *const *images, size_t count, unsigned char share, void **out) {
     if (count == 0 || images == nullptr || out == nullptr)
-        return Refuse(ErrParameter, "Invalid input Array");
+        return Refuse(ErrParameter, Interface::ErrorTexts::InvalidInputArray);
     std::vector<ImageHolder> entries;
     for (size_t i = 0; i < count; ++i) {
         entries.push_back(Interface::GuardImage(images[i], FunctionName));

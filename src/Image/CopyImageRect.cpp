@@ -27,6 +27,8 @@ bool CopyOnePlane(const vpat_analyzer &source, const vpat_analyzer &target, std:
         return Refuse(ErrPlaneIndex, OnePlaneName);
     if (!ClipRect(source, target, rectangle, at))
         return true;
+    if (CopyApart(source, sourcePlane, target, targetPlane, rectangle, at))
+        return true;
     const bool wholeLines = rectangle.Width() == source.Width();
     const CopyMethod method = ChooseCopy(source, sourcePlane, target, targetPlane, wholeLines);
     if (method == CopyMethod::CopyIncompatible)
@@ -57,10 +59,10 @@ bool CopyAllPlanes(const vpat_analyzer &source, const vpat_analyzer &target, Pix
 /// Guards both handles, analyses both images and runs copy(source, target).
 template <class Copy>
 bool OnTwoImages(void *source, void *target, const char *functionName, Copy &&copy) {
-    Interface::ImageHolder from = Interface::GuardImage(source, functionName);
+    Interface::ImageForCall from = Interface::GuardCall(source, functionName);
     if (!from.IsValid())
         return false;
-    Interface::ImageHolder to = Interface::GuardImage(target, functionName);
+    Interface::ImageForCall to = Interface::GuardCall(target, functionName);
     if (!to.IsValid())
         return false;
     return Interface::KernelWordBoundary(

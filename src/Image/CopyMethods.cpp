@@ -1,6 +1,7 @@
 #include "Image/CopyMethods.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "Image/RowKernels.h"
 #include "Image/TableWriter.h"
@@ -58,6 +59,12 @@ bool AreDisjoint(const ViewPair &views) {
     return !RangeOf(views.Source).Meets(RangeOf(views.Target));
 }
 
+/// True for a rectangle of at least one pixel that lies, from there on, inside the image.
+bool IsInside(const vpat_analyzer &image, const PixelPosition &at, const PixelRectangle &rectangle) {
+    return rectangle.Width() > 0 && rectangle.Height() > 0 && at.X >= 0 && at.Y >= 0 &&
+           at.X <= image.Width() - rectangle.Width() && at.Y <= image.Height() - rectangle.Height();
+}
+
 bool MovesBlocks(PlaneCopyMethod method) {
     return method == PlaneCopyMethod::Rows || method == PlaneCopyMethod::Whole;
 }
@@ -98,11 +105,11 @@ bool MakeThreeViews(const vpat_analyzer &source, const vpat_analyzer &target, co
     for (std::intptr_t plane = 0; plane < 3; ++plane)
         if (!MakeViews(ViewOf(source, plane), ViewOf(target, plane), rectangle, at, views[plane]))
             return false;
-    for (const ViewPair &from : views)
-        for (const ViewPair &to : views)
-            if (RangeOf(from.Source).Meets(RangeOf(to.Target)))
-                return false;
-    return true;
+    const MemoryRange targets[3] = {RangeOf(views[0].Target), RangeOf(views[1].Target), RangeOf(views[2].Target)};
+    return std::none_of(std::begin(views), std::end(views), [&targets](const ViewPair &pair) {
+        const MemoryRange from = RangeOf(pair.Source);
+        return from.Meets(targets[0]) || from.Meets(targets[1]) || from.Meets(targets[2]);
+    });
 }
 
 /// True when no two pixels of the targets share a byte: in which order they are written doesn't matter then.
@@ -201,6 +208,21 @@ void RunCopy(CopyMethod method, const vpat_analyzer &source, std::intptr_t sourc
     if (fastest && !MovesBlocks(run) && AreDisjoint(views))
         run = ChoosePlaneCopy(views.Source, views.Target);
     CopyPlane(run, views.Source, views.Target);
+}
+
+bool CopyApart(const vpat_analyzer &source, std::intptr_t sourcePlane, const vpat_analyzer &target,
+               std::intptr_t targetPlane, const PixelRectangle &rectangle, const PixelPosition &targetPosition) {
+    const TDataType type = source.Datatype(sourcePlane);
+    if (type != target.Datatype(targetPlane) || !IsTypedWidth(BytesOf(type)) ||
+        !IsInside(source, {rectangle.Left, rectangle.Top}, rectangle) || !IsInside(target, targetPosition, rectangle))
+        return false;
+    const ViewPair views = {
+        PartOf(source, sourcePlane, rectangle.Left, rectangle.Top, rectangle.Width(), rectangle.Height()),
+        PartOf(target, targetPlane, targetPosition.X, targetPosition.Y, rectangle.Width(), rectangle.Height())};
+    if (!AreDisjoint(views))
+        return false;
+    CopyPlane(ChoosePlaneCopy(views.Source, views.Target), views.Source, views.Target);
+    return true;
 }
 
 bool CopyAllPlanesAtOnce(const vpat_analyzer &source, const vpat_analyzer &target, const PixelRectangle &rectangle,

@@ -2,6 +2,7 @@
 #include "Image/ExternalImage.h"
 #include "ImageCreation.h"
 #include "Interface/Boundary.h"
+#include "Interface/ErrorTexts.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ int32_t CreateImageFromPointer(void *buffer, size_t bufferSize, intptr_t width, 
                                void **out) {
     return Interface::KernelTextBoundary(FunctionName, [&] {
         if (out == nullptr)
-            throw ErrorHandling::CImageKernelException(ErrParameter, "Data pointer must not be NULL");
+            throw ErrorHandling::CImageKernelException(ErrParameter, Interface::ErrorTexts::NullDataPointer);
         const Image::ExternalLayout layout{buffer,   bufferSize, width,  height,     planes,
                                            datatype, pitchX,     pitchY, pitchPlane, planeOrder};
         *out = (new Image::CExternalImage(layout, release, userData))->AsUnknown();

@@ -1,6 +1,6 @@
 // A copy of an image with pixels of its own.
-#include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 
 #include "Image/CopyMethods.h"
 #include "ImageCopies.h"
@@ -23,7 +23,7 @@ bool IsThreeByteInterleaved(const vpat_analyzer &image) {
     if (image.Planes() != planes)
         return false;
     for (std::intptr_t plane = 0; plane < planes; ++plane)
-        if (BytesOf(image.Datatype(plane)) != 1 || std::abs(image.XStep(plane)) != planes ||
+        if (BytesOf(image.Datatype(plane)) != 1 || (image.XStep(plane) != planes && image.XStep(plane) != -planes) ||
             image.XStep(plane) != image.XStep(0) || image.YStep(plane) == 0 || image.YStep(plane) != image.YStep(0))
             return false;
     const auto order = image.MemoryOrder();
@@ -82,8 +82,10 @@ std::intptr_t CopyPlanes(const vpat_analyzer &source, const vpat_analyzer &targe
 bool FillDuplicate(const Interface::ImageHolder &source, void *target) {
     const vpat_analyzer from(source);
     const vpat_analyzer to(target, vpat_analyzer::Linearity::Known);
+    if (from.Planes() != to.Planes() || from.Width() != to.Width() || from.Height() != to.Height())
+        throw std::runtime_error("image changed"); // since the target was made by its size
     const std::intptr_t copied = CopyPlanes(from, to);
-    TCoordinateMap map;
+    TCoordinateMap map = {};
     if (source->GetCoordinateMap(&map) >= 0)
         to.Image().SetCoordinateMap(map);
     if (copied == from.Planes())
@@ -101,14 +103,12 @@ int32_t CreateDuplicateImage(void *image, void **result) {
     if (!source.IsValid())
         return 0;
     void *target = nullptr;
-    if (!CreateCompatibleImage(image, 0, 0, 0, &target) || target == nullptr || result == nullptr) {
-        ReportORVError(ErrGeneral, FunctionName);
-        ReleaseObject(target);
-        return 0;
-    }
     bool filled = false;
     try {
-        filled = FillDuplicate(source, target);
+        const bool made = CreateCompatibleImage(image, 0, 0, 0, &target) && target != nullptr && result != nullptr;
+        if (!made)
+            ReportORVError(ErrGeneral, FunctionName);
+        filled = made && FillDuplicate(source, target);
     } catch (...) {
         ReportORVError(ErrGeneral, FunctionName);
     }

@@ -6,6 +6,7 @@
 #include "CheckedSize.h"
 #include "ErrorHandling.h"
 #include "Image/DataType.h"
+#include "Interface/ErrorTexts.h"
 #include "Interface/ImageKernelException.h"
 
 namespace Image {
@@ -27,9 +28,7 @@ bool ExceedsBuffer(const ExternalLayout &layout) {
 }
 
 bool PitchTooSmall(std::intptr_t pitch, std::intptr_t count, std::intptr_t bytesPerPixel) {
-    const auto raw = static_cast<std::uintptr_t>(pitch);
-    const std::uintptr_t magnitude = pitch < 0 ? 0 - raw : raw;
-    return static_cast<std::uintptr_t>(bytesPerPixel) > magnitude && count >= 2;
+    return static_cast<std::size_t>(bytesPerPixel) > orvBase::Magnitude(pitch) && count >= 2;
 }
 
 /// Each of the numbers 0 .. planes - 1 must stand in the order exactly once.
@@ -40,7 +39,7 @@ void CheckPlaneOrder(const std::intptr_t *order, std::intptr_t planes) {
         throw CImageKernelException(ErrCreateFailed);
     for (std::intptr_t k = 0; k < planes; ++k) {
         if (order[k] < 0 || order[k] >= planes || seen.get()[order[k]] != 0)
-            Refuse("Sequence order is invalid");
+            Refuse(Interface::ErrorTexts::InvalidSequenceOrder);
         seen.get()[order[k]] = 1;
     }
 }
@@ -61,22 +60,22 @@ bool OffsetsFit(const ExternalLayout &layout) {
 
 void CheckExternalLayout(const ExternalLayout &layout) {
     if (layout.Buffer == nullptr)
-        Refuse("Data pointer must not be NULL");
+        Refuse(Interface::ErrorTexts::NullDataPointer);
     if (layout.BufferSize != 0 && ExceedsBuffer(layout))
-        Refuse("Inconsistent data");
+        Refuse(Interface::ErrorTexts::InconsistentData);
     if (layout.Width < 1 || layout.Height < 1 || layout.Planes < 1)
-        Refuse("Invalid dimension parameters");
+        Refuse(Interface::ErrorTexts::InvalidDimensions);
     const std::intptr_t bytesPerPixel = BytesOf(layout.Datatype);
     if (PitchTooSmall(layout.PitchX, layout.Width, bytesPerPixel))
-        Refuse("X Pitch too small");
+        Refuse(Interface::ErrorTexts::XPitchTooSmall);
     if (PitchTooSmall(layout.PitchY, layout.Height, bytesPerPixel))
-        Refuse("Y Pitch too small");
+        Refuse(Interface::ErrorTexts::YPitchTooSmall);
     if (PitchTooSmall(layout.PitchPlane, layout.Planes, bytesPerPixel))
-        Refuse("Z Pitch too small");
+        Refuse(Interface::ErrorTexts::ZPitchTooSmall);
     if (layout.PlaneOrder != nullptr)
         CheckPlaneOrder(layout.PlaneOrder, layout.Planes);
     if (!OffsetsFit(layout))
-        Refuse("Inconsistent data");
+        Refuse(Interface::ErrorTexts::InconsistentData);
 }
 
 } // namespace Image

@@ -10,22 +10,6 @@ using Image::DimensionsOf;
 using Interface::GuardCall;
 using Interface::ImageForCall;
 
-namespace {
-
-/// True when fulfils(type) holds for any plane's data type.
-template <class Predicate>
-bool AnyPlane(const ImageForCall &image, Predicate &&fulfils) {
-    const intptr_t planes = DimensionsOf(*image.Get()).Planes;
-    for (intptr_t plane = 0; plane < planes; ++plane) {
-        TDataType type = 0;
-        if (image->GetPlaneDatatype(plane, &type) == Interface::StatusOk && fulfils(type))
-            return true;
-    }
-    return false;
-}
-
-} // namespace
-
 intptr_t ImageDimension(void *image) {
     const ImageForCall held = GuardCall(image, "ImageDimension");
     return held.IsValid() ? DimensionsOf(*held.Get()).Planes : 0;
@@ -57,7 +41,15 @@ TDataType ImageDatatype(void *image, intptr_t plane) {
 
 bool HasOverlay(void *image) {
     const ImageForCall held = GuardCall(image, "HasOverlay");
-    return held.IsValid() && AnyPlane(held, [](TDataType type) { return (type & DataTypeOverlay) != 0; });
+    if (!held.IsValid())
+        return false;
+    const intptr_t planes = DimensionsOf(*held.Get()).Planes;
+    for (intptr_t plane = 0; plane < planes; ++plane) {
+        TDataType type = 0;
+        if (held->GetPlaneDatatype(plane, &type) == Interface::StatusOk && (type & DataTypeOverlay) != 0)
+            return true;
+    }
+    return false;
 }
 
 bool IsOverlayImage(void *image) {
@@ -66,26 +58,29 @@ bool IsOverlayImage(void *image) {
 
 bool IsAll8Bit(void *image) {
     const ImageForCall held = GuardCall(image, "IsAll8Bit");
-    if (!held.IsValid() || DimensionsOf(*held.Get()).Planes < 1)
+    if (!held.IsValid())
         return false;
-    return !AnyPlane(held, [](TDataType type) { return Image::BitsOf(type) != 8; });
+    const intptr_t planes = DimensionsOf(*held.Get()).Planes;
+    for (intptr_t plane = 0; plane < planes; ++plane) {
+        TDataType type = 0;
+        if (held->GetPlaneDatatype(plane, &type) != Interface::StatusOk || Image::BitsOf(type) != 8)
+            return false;
+    }
+    return planes > 0;
 }
 
 bool GetImageVPA(void *image, intptr_t plane, void **base, VPAEntry **table) {
     const ImageForCall held = GuardCall(image, "GetImageVPA");
-    return held.IsValid() && held->GetPlaneVPA(plane, base, table) >= 0;
+    return held.IsValid() && base != nullptr && table != nullptr && held->GetPlaneVPA(plane, base, table) >= 0;
 }
 
 intptr_t ImageColorModel(void *image) {
     const ImageForCall held = GuardCall(image, "ImageColorModel");
     if (!held.IsValid())
         return 0;
-    void *found = nullptr;
-    const int32_t status = held->QueryInterface(ORV_IID_ICOLORMODELINFO, &found);
-    if (status == Interface::StatusOk && found != nullptr) {
-        const orvThreads::CSmartPointer<pOLE::IColorModelInfo, 0> info(static_cast<pOLE::IColorModelInfo *>(found));
+    const auto info = Interface::QueryHandle<pOLE::IColorModelInfo, 0>(static_cast<pOLE::IUnknown *>(held.Get()));
+    if (info.IsValid())
         return info->GetColorModel();
-    }
     switch (DimensionsOf(*held.Get()).Planes) {
     case 1:
         return -1;

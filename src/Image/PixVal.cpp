@@ -4,6 +4,7 @@
 #include "Image/Dimensions.h"
 #include "Image/TableWriter.h"
 #include "ImageQueries.h"
+#include "Interface/ErrorTexts.h"
 #include "Interface/ImageGuard.h"
 
 namespace {
@@ -17,7 +18,7 @@ intptr_t Fail(std::uint32_t code, const char *text = nullptr) {
 
 /// An axis can be read within its guard entries; an axis without a pixel has none to repeat.
 bool IsReadable(intptr_t position, intptr_t count) {
-    return count > 0 && position >= -Image::GuardEntries && position < count + Image::GuardEntries;
+    return count > 0 && position >= -Image::GuardEntries && position - Image::GuardEntries < count;
 }
 
 } // namespace
@@ -29,11 +30,11 @@ intptr_t PixVal(void *image, intptr_t plane, intptr_t x, intptr_t y) {
     const Image::Dimensions size = Image::DimensionsOf(*held.Get());
     TDataType type = 0;
     if (plane < 0 || plane >= size.Planes || held->GetPlaneDatatype(plane, &type) != Interface::StatusOk)
-        return Fail(ErrParameter, "Invalid Plane Index");
+        return Fail(ErrParameter, Interface::ErrorTexts::InvalidPlaneIndex);
     if (!IsReadable(x, size.Width))
-        return Fail(ErrParameter, "Invalid X coordinate");
+        return Fail(ErrParameter, Interface::ErrorTexts::InvalidXCoordinate);
     if (!IsReadable(y, size.Height))
-        return Fail(ErrParameter, "Invalid Y coordinate");
+        return Fail(ErrParameter, Interface::ErrorTexts::InvalidYCoordinate);
     const intptr_t bits = Image::BitsOf(type);
     if (bits < 1 || bits > 16)
         return Fail(ErrDataType);

@@ -1,9 +1,9 @@
 #include "Image/PlaneCopy.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
+#include "CheckedSize.h"
 #include "Image/RowKernels.h"
 
 namespace Image {
@@ -67,7 +67,15 @@ void ForEachDenseRow(const PlaneView &source, const PlaneView &target, MoveRow &
         moveRow(target.Row(y) + targetColumn, source.Row(y) + sourceColumn);
 }
 
+bool HasRowStep(const PlaneView &view) {
+    return view.Height == 1 || view.YStep != 0;
+}
+
 void CopyRows(const PlaneView &source, const PlaneView &target) {
+    if (HasRowStep(source) && HasRowStep(target) && !RangeOf(source).Meets(RangeOf(target)))
+        return RowKernels::Best().CopyRows(target.Row(0) + target.LowestColumn(), target.YStep,
+                                           source.Row(0) + source.LowestColumn(), source.YStep,
+                                           source.Width * source.Bytes, source.Height);
     const auto rowBytes = static_cast<std::size_t>(source.Width * source.Bytes);
     ForEachDenseRow(source, target, [rowBytes](char *to, const char *from) { std::memmove(to, from, rowBytes); });
 }
@@ -180,7 +188,7 @@ PlaneCopyMethod ChoosePlaneCopy(const PlaneView &source, const PlaneView &target
                               PlaneCopyMethod::Transposed, PlaneCopyMethod::EveryThird})
         if (AllowsPlaneCopy(method, source, target))
             return method;
-    const bool rowsFollowMemory = std::abs(source.XStep) <= std::abs(source.YStep);
+    const bool rowsFollowMemory = orvBase::Magnitude(source.XStep) <= orvBase::Magnitude(source.YStep);
     if (!rowsFollowMemory && AllowsPlaneCopy(PlaneCopyMethod::Tiled, source, target))
         return PlaneCopyMethod::Tiled;
     if (IsLinear(source))

@@ -87,6 +87,13 @@ struct Insertion {
     TCoordinateMap Map;
 };
 
+/// Sizes that no table reaches would not fit the arithmetic of an overlap.
+bool IsBeyondMemory(const ImageHolder &image) {
+    constexpr std::intptr_t highest = std::numeric_limits<std::intptr_t>::max() / 4;
+    const Dimensions size = DimensionsOf(*image.Get());
+    return size.Width > highest || size.Height > highest;
+}
+
 Insertion PlanInsertion(const ImageHolder &image, const ImageHolder &insert, bool alignOrigins) {
     const Dimensions a = DimensionsOf(*image.Get());
     const Dimensions b = DimensionsOf(*insert.Get());
@@ -131,6 +138,8 @@ int32_t CreateImageInsertList(void *image, void *insert, intptr_t position, unsi
     if (!first.IsValid() || !second.IsValid() || out == nullptr)
         return 0;
     *out = nullptr;
+    if (IsBeyondMemory(first) || IsBeyondMemory(second))
+        return 0;
     const Insertion plan = PlanInsertion(first, second, alignOrigins != 0);
     const bool built = BuildView(plan.Width, plan.Height, share, out,
                                  [&](ViewBuilder &builder) { return BuildInsertion(builder, plan, position); });

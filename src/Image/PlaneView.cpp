@@ -1,7 +1,8 @@
 #include "Image/PlaneView.h"
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "CheckedSize.h"
 
 namespace Image {
 namespace {
@@ -11,13 +12,24 @@ struct Extent {
     std::intptr_t Highest;
 };
 
-Extent ExtentOf(const VPAEntry *table, std::intptr_t VPAEntry::*axis, std::intptr_t count) {
+/// step is the common one of the entries, or 0.
+Extent ExtentOf(const VPAEntry *table, std::intptr_t VPAEntry::*axis, std::intptr_t count, std::intptr_t step) {
     Extent extent = {table[0].*axis, table[0].*axis};
+    std::intptr_t last = 0;
+    if (step != 0 && orvBase::CheckedProduct(last, count - 1, step) && orvBase::CheckedSum(last, last, extent.Lowest))
+        return {std::min(extent.Lowest, last), std::max(extent.Highest, last)};
     for (std::intptr_t i = 1; i < count; ++i) {
         extent.Lowest = std::min(extent.Lowest, table[i].*axis);
         extent.Highest = std::max(extent.Highest, table[i].*axis);
     }
     return extent;
+}
+
+/// True when a step passes over a whole line of count pixels.
+bool Clears(std::size_t step, std::intptr_t count, std::size_t pixelStep, std::size_t bytes) {
+    std::size_t lineBytes = 0;
+    return orvBase::CheckedProduct(lineBytes, static_cast<std::size_t>(count - 1), pixelStep) &&
+           orvBase::CheckedSum(lineBytes, lineBytes, bytes) && step >= lineBytes;
 }
 
 } // namespace
@@ -41,18 +53,19 @@ PlaneView PlaneView::Part(std::intptr_t left, std::intptr_t top, std::intptr_t w
 }
 
 bool PlaneView::HasDistinctPixels() const {
-    const std::intptr_t x = std::abs(XStep);
-    const std::intptr_t y = std::abs(YStep);
-    if ((Width > 1 && x < Bytes) || (Height > 1 && y < Bytes))
+    const std::size_t x = orvBase::Magnitude(XStep);
+    const std::size_t y = orvBase::Magnitude(YStep);
+    const auto bytes = static_cast<std::size_t>(Bytes);
+    if ((Width > 1 && x < bytes) || (Height > 1 && y < bytes))
         return false;
-    return Width == 1 || Height == 1 || y >= (Width - 1) * x + Bytes || x >= (Height - 1) * y + Bytes;
+    return Width == 1 || Height == 1 || Clears(y, Width, x, bytes) || Clears(x, Height, y, bytes);
 }
 
 MemoryRange RangeOf(const PlaneView &view) {
     if (view.Width < 1 || view.Height < 1)
         return {nullptr, nullptr};
-    const Extent x = ExtentOf(view.Columns, &VPAEntry::XEntry, view.Width);
-    const Extent y = ExtentOf(view.Rows, &VPAEntry::YEntry, view.Height);
+    const Extent x = ExtentOf(view.Columns, &VPAEntry::XEntry, view.Width, view.XStep);
+    const Extent y = ExtentOf(view.Rows, &VPAEntry::YEntry, view.Height, view.YStep);
     return {view.Base + x.Lowest + y.Lowest, view.Base + x.Highest + y.Highest + view.Bytes};
 }
 
@@ -65,6 +78,21 @@ PlaneView ViewOf(const vpat_analyzer &image, std::intptr_t plane) {
             BytesOf(image.Datatype(plane)),
             image.XStep(plane),
             image.YStep(plane)};
+}
+
+PlaneView PartOf(const vpat_analyzer &image, std::intptr_t plane, std::intptr_t left, std::intptr_t top,
+                 std::intptr_t width, std::intptr_t height) {
+    const VPAEntry *columns = image.Table(plane) + left;
+    const VPAEntry *rows = image.Table(plane) + top;
+    const TableSteps steps = CommonSteps({columns, width, rows, height});
+    return {static_cast<char *>(image.PlaneBase(plane)),
+            columns,
+            rows,
+            width,
+            height,
+            BytesOf(image.Datatype(plane)),
+            steps.X,
+            steps.Y};
 }
 
 } // namespace Image

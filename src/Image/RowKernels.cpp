@@ -1,12 +1,9 @@
 #include "Image/RowKernels.h"
 
-#include "Image/VectorRegisters.h"
+#include "Image/ThreeByteRegisters.h"
 
 namespace Image {
 namespace {
-
-using Bytes16 = Vector<std::uint8_t, 16>;
-constexpr auto SixteenLanes = std::make_index_sequence<16>{};
 
 template <class T, std::size_t RegisterBytes>
 ORV_INLINE void ReverseLoop(char *target, const char *source, std::intptr_t count) {
@@ -26,58 +23,36 @@ ORV_INLINE void ReverseLoop(char *target, const char *source, std::intptr_t coun
         std::memcpy(target + done * size, source + (count - 1 - done) * size, sizeof(T));
 }
 
-/// Bytes Phase, Phase + 3, ... of 48 bytes in three registers: first those of a and b, then those of c.
-template <int Phase, std::size_t... I>
-ORV_INLINE void StoreEveryThird(char *target, const Bytes16 &a, const Bytes16 &b, const Bytes16 &c,
-                                std::index_sequence<I...>) {
-    const Bytes16 front = __builtin_shufflevector(a, b, (3 * static_cast<int>(I) + Phase) % 32 ...);
-    const Bytes16 all = __builtin_shufflevector(
-        front, c,
-        (3 * static_cast<int>(I) + Phase < 32 ? static_cast<int>(I) : 3 * static_cast<int>(I) + Phase - 16)...);
-    StoreVector(target, all);
-}
-
-/// Part Part of 48 interleaved bytes made of the 16 bytes of three planes.
-template <int Part, std::size_t... I>
-ORV_INLINE void StoreJoined(char *target, const Bytes16 &a, const Bytes16 &b, const Bytes16 &c,
-                            std::index_sequence<I...>) {
-    const Bytes16 front = __builtin_shufflevector(
-        a, b, ((16 * Part + static_cast<int>(I)) / 3 + ((16 * Part + static_cast<int>(I)) % 3 == 1 ? 16 : 0))...);
-    const Bytes16 all = __builtin_shufflevector(front, c,
-                                                ((16 * Part + static_cast<int>(I)) % 3 == 2
-                                                     ? 16 + (16 * Part + static_cast<int>(I)) / 3
-                                                     : static_cast<int>(I))...);
-    StoreVector(target + 16 * Part, all);
-}
-
+/// Whole registers of pixels, then half of one, then pixel by pixel.
+template <std::size_t RegisterBytes>
 ORV_INLINE void ExtractLoop(char *target, const char *source, std::intptr_t count) {
+    constexpr auto pixels = static_cast<std::intptr_t>(RegisterBytes);
     std::intptr_t done = 0;
     // The last register of a step reaches two bytes behind the last byte wanted: one pixel more must follow.
-    for (; done + 16 < count; done += 16) {
-        Bytes16 a, b, c;
-        LoadVector(a, source + 3 * done);
-        LoadVector(b, source + 3 * done + 16);
-        LoadVector(c, source + 3 * done + 32);
-        StoreEveryThird<0>(target + done, a, b, c, SixteenLanes);
+    for (; done + pixels < count; done += pixels) {
+        ByteRegister<RegisterBytes> a, b, c;
+        LoadThirds(a, b, c, source + 3 * done);
+        StoreEveryThird<0>(target + done, a, b, c);
     }
+    if constexpr (RegisterBytes > 16)
+        return ExtractLoop<16>(target + done, source + 3 * done, count - done);
     for (; done < count; ++done)
         target[done] = source[3 * done];
 }
 
-ORV_INLINE void SplitLoop(char *const targets[3], const char *source, std::intptr_t count) {
-    char *const first = targets[0];
-    char *const second = targets[1];
-    char *const third = targets[2];
+template <std::size_t RegisterBytes>
+ORV_INLINE void SplitLoop(char *first, char *second, char *third, const char *source, std::intptr_t count) {
+    constexpr auto pixels = static_cast<std::intptr_t>(RegisterBytes);
     std::intptr_t done = 0;
-    for (; done + 16 <= count; done += 16) {
-        Bytes16 a, b, c;
-        LoadVector(a, source + 3 * done);
-        LoadVector(b, source + 3 * done + 16);
-        LoadVector(c, source + 3 * done + 32);
-        StoreEveryThird<0>(first + done, a, b, c, SixteenLanes);
-        StoreEveryThird<1>(second + done, a, b, c, SixteenLanes);
-        StoreEveryThird<2>(third + done, a, b, c, SixteenLanes);
+    for (; done + pixels <= count; done += pixels) {
+        ByteRegister<RegisterBytes> a, b, c;
+        LoadThirds(a, b, c, source + 3 * done);
+        StoreEveryThird<0>(first + done, a, b, c);
+        StoreEveryThird<1>(second + done, a, b, c);
+        StoreEveryThird<2>(third + done, a, b, c);
     }
+    if constexpr (RegisterBytes > 16)
+        return SplitLoop<16>(first + done, second + done, third + done, source + 3 * done, count - done);
     for (; done < count; ++done) {
         first[done] = source[3 * done];
         second[done] = source[3 * done + 1];
@@ -85,25 +60,52 @@ ORV_INLINE void SplitLoop(char *const targets[3], const char *source, std::intpt
     }
 }
 
-ORV_INLINE void JoinLoop(char *target, const char *const sources[3], std::intptr_t count) {
-    const char *const first = sources[0];
-    const char *const second = sources[1];
-    const char *const third = sources[2];
+template <std::size_t RegisterBytes>
+ORV_INLINE void JoinLoop(char *target, const char *first, const char *second, const char *third,
+                         std::intptr_t count) {
+    constexpr auto pixels = static_cast<std::intptr_t>(RegisterBytes);
     std::intptr_t done = 0;
-    for (; done + 16 <= count; done += 16) {
-        Bytes16 a, b, c;
+    for (; done + pixels <= count; done += pixels) {
+        ByteRegister<RegisterBytes> a, b, c;
         LoadVector(a, first + done);
         LoadVector(b, second + done);
         LoadVector(c, third + done);
-        StoreJoined<0>(target + 3 * done, a, b, c, SixteenLanes);
-        StoreJoined<1>(target + 3 * done, a, b, c, SixteenLanes);
-        StoreJoined<2>(target + 3 * done, a, b, c, SixteenLanes);
+        StoreJoined(target + 3 * done, a, b, c);
     }
+    if constexpr (RegisterBytes > 16)
+        return JoinLoop<16>(target + 3 * done, first + done, second + done, third + done, count - done);
     for (; done < count; ++done) {
         target[3 * done] = first[done];
         target[3 * done + 1] = second[done];
         target[3 * done + 2] = third[done];
     }
+}
+
+template <std::size_t RegisterBytes>
+ORV_INLINE void CopyRegister(char *target, const char *source) {
+    Vector<std::uint8_t, RegisterBytes> value;
+    LoadVector(value, source);
+    StoreVector(target, value);
+}
+
+ORV_INLINE void CopyFourRegisters(char *target, const char *source) {
+    Vector<std::uint8_t, 32> a, b, c, d;
+    LoadVector(a, source);
+    LoadVector(b, source + 32);
+    LoadVector(c, source + 64);
+    LoadVector(d, source + 96);
+    StoreVector(target, a);
+    StoreVector(target + 32, b);
+    StoreVector(target + 64, c);
+    StoreVector(target + 96, d);
+}
+
+/// Runs copyRow(target, source) for each row.
+template <class CopyRow>
+ORV_INLINE void ForEachRow(char *target, std::intptr_t targetStep, const char *source, std::intptr_t sourceStep,
+                           std::intptr_t rows, CopyRow copyRow) {
+    for (std::intptr_t y = 0; y < rows; ++y)
+        copyRow(target + y * targetStep, source + y * sourceStep);
 }
 
 // Each level has the same loops, with the registers and instructions of its own.
@@ -117,25 +119,63 @@ __attribute__((target("avx2"))) void ReverseAtAvx2(char *target, const char *sou
     ReverseLoop<T, 32>(target, source, count);
 }
 
+void CopyRowsAtBaseline(char *target, std::intptr_t targetStep, const char *source, std::intptr_t sourceStep,
+                        std::intptr_t rowBytes, std::intptr_t rows) {
+    ForEachRow(target, targetStep, source, sourceStep, rows,
+               [rowBytes](char *to, const char *from) { std::memcpy(to, from, static_cast<std::size_t>(rowBytes)); });
+}
+
+/// Rows of a few registers need neither a call nor a loop: registers that overlap cover what is left over.
+__attribute__((target("avx2"))) void CopyRowsAtAvx2(char *target, std::intptr_t targetStep, const char *source,
+                                                    std::intptr_t sourceStep, std::intptr_t rowBytes,
+                                                    std::intptr_t rows) {
+    constexpr std::intptr_t longRow = 16384;
+    if (rowBytes < 16 || rowBytes > longRow)
+        CopyRowsAtBaseline(target, targetStep, source, sourceStep, rowBytes, rows);
+    else if (rowBytes <= 32)
+        ForEachRow(target, targetStep, source, sourceStep, rows, [rowBytes](char *to, const char *from) {
+            CopyRegister<16>(to, from);
+            CopyRegister<16>(to + rowBytes - 16, from + rowBytes - 16);
+        });
+    else if (rowBytes <= 64)
+        ForEachRow(target, targetStep, source, sourceStep, rows, [rowBytes](char *to, const char *from) {
+            CopyRegister<32>(to, from);
+            CopyRegister<32>(to + rowBytes - 32, from + rowBytes - 32);
+        });
+    else if (rowBytes <= 128)
+        ForEachRow(target, targetStep, source, sourceStep, rows, [rowBytes](char *to, const char *from) {
+            CopyRegister<32>(to, from);
+            CopyRegister<32>(to + 32, from + 32);
+            CopyRegister<32>(to + rowBytes - 64, from + rowBytes - 64);
+            CopyRegister<32>(to + rowBytes - 32, from + rowBytes - 32);
+        });
+    else
+        ForEachRow(target, targetStep, source, sourceStep, rows, [rowBytes](char *to, const char *from) {
+            for (std::intptr_t x = 0; x < rowBytes - 128; x += 128)
+                CopyFourRegisters(to + x, from + x);
+            CopyFourRegisters(to + rowBytes - 128, from + rowBytes - 128);
+        });
+}
+
 void ExtractAtBaseline(char *target, const char *source, std::intptr_t count) {
-    ExtractLoop(target, source, count);
+    ExtractLoop<16>(target, source, count);
 }
 __attribute__((target("avx2"))) void ExtractAtAvx2(char *target, const char *source, std::intptr_t count) {
-    ExtractLoop(target, source, count);
+    ExtractLoop<32>(target, source, count);
 }
 
 void SplitAtBaseline(char *const targets[3], const char *source, std::intptr_t count) {
-    SplitLoop(targets, source, count);
+    SplitLoop<16>(targets[0], targets[1], targets[2], source, count);
 }
 __attribute__((target("avx2"))) void SplitAtAvx2(char *const targets[3], const char *source, std::intptr_t count) {
-    SplitLoop(targets, source, count);
+    SplitLoop<32>(targets[0], targets[1], targets[2], source, count);
 }
 
 void JoinAtBaseline(char *target, const char *const sources[3], std::intptr_t count) {
-    JoinLoop(target, sources, count);
+    JoinLoop<16>(target, sources[0], sources[1], sources[2], count);
 }
 __attribute__((target("avx2"))) void JoinAtAvx2(char *target, const char *const sources[3], std::intptr_t count) {
-    JoinLoop(target, sources, count);
+    JoinLoop<32>(target, sources[0], sources[1], sources[2], count);
 }
 
 constexpr RowKernels BaselineKernels = {"baseline",
@@ -144,6 +184,7 @@ constexpr RowKernels BaselineKernels = {"baseline",
                                         ReverseAtBaseline<ThreeBytes>,
                                         ReverseAtBaseline<std::uint32_t>,
                                         ReverseAtBaseline<std::uint64_t>,
+                                        CopyRowsAtBaseline,
                                         ExtractAtBaseline,
                                         SplitAtBaseline,
                                         JoinAtBaseline};
@@ -154,6 +195,7 @@ constexpr RowKernels Avx2Kernels = {"avx2",
                                     ReverseAtAvx2<ThreeBytes>,
                                     ReverseAtAvx2<std::uint32_t>,
                                     ReverseAtAvx2<std::uint64_t>,
+                                    CopyRowsAtAvx2,
                                     ExtractAtAvx2,
                                     SplitAtAvx2,
                                     JoinAtAvx2};

@@ -18,6 +18,10 @@ struct RowKernels {
     const char *Name;
     /// Copies count elements in reverse order, by the width of the element.
     ReverseFunction Reverse8, Reverse16, Reverse24, Reverse32, Reverse64;
+    /// Copies rows of rowBytes each, from the first to the last. Steps lead from a row to the next, in any direction;
+    /// target rows may share bytes with each other.
+    void (*CopyRows)(char *target, std::intptr_t targetStep, const char *source, std::intptr_t sourceStep,
+                     std::intptr_t rowBytes, std::intptr_t rows);
     /// Copies every third byte, count of them, to dense memory.
     void (*ExtractEveryThird)(char *target, const char *source, std::intptr_t count);
     /// Takes count three-byte pixels apart: byte k of each goes to the next place of targets[k].

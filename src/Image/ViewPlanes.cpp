@@ -42,6 +42,9 @@ void ViewBuilder::AddViewPlane(pOLE::IImageVPA &source, std::intptr_t plane, con
     const Dimensions size = DimensionsOf(source);
     if (!IsInside(rectangle, size))
         throw "SourceRectangle outside Image in AffineMap";
+    // The tables are filled by source positions of 31 bits.
+    TreeSize(rectangle.Right - rectangle.Left + 1);
+    TreeSize(rectangle.Bottom - rectangle.Top + 1);
     NodeHolder<TImagePlane> view(new TImagePlane);
     std::size_t records = 0;
     if (!TableRecords(width_, height_, records))

@@ -1,9 +1,12 @@
 // The one analysis of an image's tables: what every choice of a faster path is made from.
 #pragma once
 
+#include <boost/container/small_vector.hpp>
+#include <optional>
 #include <vector>
 
 #include "Image/Dimensions.h"
+#include "Image/TableSteps.h"
 #include "Interface/ImageGuard.h"
 
 namespace Image {
@@ -14,9 +17,11 @@ public:
     /// with linear tables only: the first two entries of each axis then tell its step.
     enum class Linearity { Unknown, Known };
 
-    /// Holds the image and analyses each plane once. Throws std::runtime_error "image invalid" for what is no image.
+    /// Holds the image, reads its planes, and looks at the tables when they are first asked about: for one thread.
+    /// Throws std::runtime_error "image invalid" for what is no image.
     explicit vpat_analyzer(void *handle, Linearity linearity = Linearity::Unknown);
     explicit vpat_analyzer(Interface::ImageHolder image, Linearity linearity = Linearity::Unknown);
+    explicit vpat_analyzer(Interface::ImageForCall image, Linearity linearity = Linearity::Unknown);
     virtual ~vpat_analyzer() = default;
 
     pOLE::IImageVPA &Image() const { return *image_.Get(); }
@@ -30,9 +35,9 @@ public:
     VPAEntry *Table(std::intptr_t plane) const { return At(plane).Table; }
     TDataType Datatype(std::intptr_t plane) const { return At(plane).Datatype; }
     /// Bytes from each column to the next; 0 when the columns are not linear or there is only one.
-    std::intptr_t XStep(std::intptr_t plane) const { return At(plane).XStep; }
+    std::intptr_t XStep(std::intptr_t plane) const { return StepsOf(plane).X; }
     /// Bytes from each row to the next; 0 when the rows are not linear or there is only one.
-    std::intptr_t YStep(std::intptr_t plane) const { return At(plane).YStep; }
+    std::intptr_t YStep(std::intptr_t plane) const { return StepsOf(plane).Y; }
 
     /// What kind of step a plane's columns or rows have, as a set of the bits below; 0 when they have none.
     unsigned XClass(std::intptr_t plane) const;
@@ -49,7 +54,7 @@ public:
     /// True when all planes have one data type; also for an image without planes.
     bool HasOneDatatype() const;
     /// The plane numbers by the address of their first pixel.
-    std::vector<std::intptr_t> MemoryOrder() const;
+    const std::vector<std::intptr_t> &MemoryOrder() const;
 
     /// The address of pixel (0, 0) of a plane.
     char *FirstPixel(std::intptr_t plane) const;
@@ -59,16 +64,20 @@ private:
         void *Base = nullptr;
         VPAEntry *Table = nullptr;
         TDataType Datatype = 0;
-        std::intptr_t XStep = 0;
-        std::intptr_t YStep = 0;
+        mutable std::optional<TableSteps> Steps;
     };
+    static constexpr std::size_t UsualPlanes = 4;
 
-    void Analyze(Linearity linearity);
+    void ReadPlanes();
     const Plane &At(std::intptr_t plane) const;
+    const TableSteps &StepsOf(std::intptr_t plane) const;
 
-    Interface::ImageHolder image_;
+    Interface::ImageForCall image_;
+    Linearity linearity_;
     Dimensions size_;
-    std::vector<Plane> planes_; ///< one per plane and an empty one behind
+    /// One per plane and an empty one behind; those of usual images need no block of their own.
+    boost::container::small_vector<Plane, UsualPlanes + 1> planes_;
+    mutable std::vector<std::intptr_t> order_; ///< empty until it is asked for
 };
 
 } // namespace Image

@@ -116,23 +116,30 @@ TEST(CopyOverlapping, GroupsOfPlanesMoveAllAtOnceWhereWholeLinesLieWithoutAGap) 
     }
 }
 
-TEST(CopyOverlapping, TakingThreePlanesApartWithinTheirOwnMemoryGoesPlaneByPlane) {
-    constexpr std::intptr_t width = 40;
-    std::vector<std::uint8_t> bytes(3 * width);
-    std::iota(bytes.begin(), bytes.end(), std::uint8_t{1});
-    FakeImage grouped(width, 1), planar(width, 1);
-    for (std::intptr_t plane = 0; plane < 3; ++plane) {
-        grouped.AddPlane(
-            bytes.data() + plane, 8, [](std::intptr_t x) { return 3 * x; }, [](std::intptr_t) { return 0; });
-        planar.AddPlane(
-            bytes.data() + plane * width, 8, [](std::intptr_t x) { return x; }, [](std::intptr_t) { return 0; });
+TEST(CopyOverlapping, ThreePlanesTakenApartOrPutTogetherInTheirOwnMemoryGoOneAfterTheOther) {
+    constexpr std::intptr_t width = 40, height = 2, planeBytes = width * height;
+    for (const bool apart : {false, true}) {
+        std::vector<std::uint8_t> bytes(3 * planeBytes);
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t{1});
+        FakeImage grouped(width, height), planar(width, height);
+        for (std::intptr_t plane = 0; plane < 3; ++plane) {
+            grouped.AddPlane(
+                bytes.data() + plane, 8, [](std::intptr_t x) { return 3 * x; },
+                [](std::intptr_t y) { return 3 * width * y; });
+            planar.AddPlane(
+                bytes.data() + plane * planeBytes, 8, [](std::intptr_t x) { return x; },
+                [](std::intptr_t y) { return width * y; });
+        }
+        std::vector<std::uint8_t> expected = bytes;
+        for (std::size_t plane = 0; plane < 3; ++plane)
+            for (std::size_t i = 0; i < planeBytes; ++i) {
+                std::uint8_t &inPlane = expected[plane * planeBytes + i], &inGroup = expected[3 * i + plane];
+                (apart ? inPlane : inGroup) = apart ? inGroup : inPlane;
+            }
+        FakeImage &source = apart ? grouped : planar, &target = apart ? planar : grouped;
+        EXPECT_TRUE(CopyImageRectPlanes(source.Handle(), target.Handle(), 0, 0, width, height, 0, 0));
+        EXPECT_EQ(bytes, expected) << apart;
     }
-    std::vector<std::uint8_t> expected = bytes;
-    for (std::size_t plane = 0; plane < 3; ++plane)
-        for (std::size_t x = 0; x < width; ++x)
-            expected[plane * width + x] = expected[3 * x + plane];
-    EXPECT_TRUE(CopyImageRectPlanes(grouped.Handle(), planar.Handle(), 0, 0, width - 1, 0, 0, 0));
-    EXPECT_EQ(bytes, expected);
 }
 
 /// One rectangle of a random image within itself; false when it differs from the model.

@@ -180,11 +180,16 @@ private:
             return ByPitches(group, group * Form.Width * (OneIn(random, 4) ? -1 : 1), size, order);
         case Family::InterleavedWithGap:
             return ByPitches(group + size, (group + (OneIn(random, 4) ? 0 : size)) * Form.Width, size);
-        default:
+        default: {
             ByPitches(group, group * Form.Width, size);
+            const bool fromOneRow = OneIn(random, 2); // the first pixels then stand side by side
             for (std::size_t plane = 1; plane < planes.size(); plane += 2)
-                std::reverse(planes[plane].Y.begin(), planes[plane].Y.end());
+                if (fromOneRow)
+                    planes[plane].Y = Steps(Form.Height, 0, -pitches->Y);
+                else
+                    std::reverse(planes[plane].Y.begin(), planes[plane].Y.end());
             pitches = nullptr;
+        }
         }
     }
 

@@ -269,7 +269,11 @@ inline void CopyModelGroups(const ModelImage &source, const ModelImage &target,
                             const std::vector<std::pair<std::intptr_t, std::intptr_t>> &pairs,
                             const ModelRectangle &r, const ModelPosition &at, bool whole) {
     const std::intptr_t group = source[0].Bytes * source.Count();
-    if (source[0].XStep == group) {
+    bool rowsRunTogether = true;
+    for (std::intptr_t plane = 1; plane < source.Count(); ++plane)
+        rowsRunTogether =
+            rowsRunTogether && source[plane].YStep == source[0].YStep && target[plane].YStep == target[0].YStep;
+    if (source[0].XStep == group && rowsRunTogether) {
         const bool oneBlock = whole && AreOneBlock(source[0], target[0], group * source.Width);
         return CopyModelPixels(source, target, pairs, r, at, oneBlock ? ReadAhead::Everything : ReadAhead::Row);
     }

@@ -1,5 +1,5 @@
 // The facts about an image's tables that faster paths are chosen from.
-#include "Image/VpatAnalyzer.h"
+#include "Image/PlaneView.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -8,6 +8,7 @@
 
 namespace {
 
+using Image::PlaneView;
 using Image::vpat_analyzer;
 using TestSupport::FakeImage;
 
@@ -84,6 +85,32 @@ TEST(VpatAnalyzer, AnImageThatRefusesAPlaneIsReleasedAgain) {
     image->Fails.VPAStatus = -1;
     EXPECT_THROW(vpat_analyzer(image->Handle()), std::runtime_error);
     EXPECT_EQ(image->Count(), 1);
+}
+
+TEST(VpatAnalyzer, TheLargestStepsAreSteps) {
+    for (const std::intptr_t step : {INTPTR_MIN, INTPTR_MAX, INTPTR_MIN + 1}) {
+        FakeImage image(2, 2, 8);
+        const auto offsets = [step](auto i) { return i == 0 ? 0 : step; };
+        image.AddPlane(image.Pixels.data(), 8, offsets, offsets);
+        const vpat_analyzer facts(image.Handle());
+        EXPECT_EQ(facts.XStep(0), step);
+        EXPECT_EQ(facts.YStep(0), step);
+        EXPECT_EQ(facts.XClass(0), vpat_analyzer::ClassLinear);
+        EXPECT_EQ(facts.YClass(0), vpat_analyzer::ClassLinear);
+        EXPECT_TRUE(facts.IsInterleaved());
+        EXPECT_NE(facts.ColumnGap(), 0);
+    }
+}
+
+TEST(PlaneView, ItsLargestStepsDoNotOverflow) {
+    for (const std::intptr_t step : {INTPTR_MIN, INTPTR_MAX, INTPTR_MAX / 2}) {
+        const PlaneView wide = {nullptr, nullptr, nullptr, 5, 2, 1, step, 3};
+        EXPECT_TRUE(wide.HasDistinctPixels()) << "columns of two pixels that lie far apart";
+        const PlaneView high = {nullptr, nullptr, nullptr, 2, 5, 1, 3, step};
+        EXPECT_TRUE(high.HasDistinctPixels()) << "rows of two pixels that lie far apart";
+        const PlaneView both = {nullptr, nullptr, nullptr, 5, 5, 1, step, step};
+        EXPECT_FALSE(both.HasDistinctPixels());
+    }
 }
 
 } // namespace
