@@ -62,8 +62,8 @@ ImageHandle Hold(void *image) {
     return {image, [](void *held) { ReleaseObject(held); }};
 }
 
-cv::Mat RandomPixels(int type) {
-    cv::Mat pixels(Height, Width, type);
+cv::Mat RandomPixels(int type, int width, int height) {
+    cv::Mat pixels(height, width, type);
     cv::RNG random(4711);
     random.fill(pixels, cv::RNG::UNIFORM, 0, pixels.depth() == CV_32F ? 1 : pixels.depth() == CV_16U ? 65536 : 256);
     return pixels;

@@ -25,7 +25,7 @@ using ImageHandle = std::shared_ptr<void>;
 ImageHandle Hold(void *image);
 
 /// An OpenCV image of the given type with the same random bytes on every run (floats between 0 and 1).
-cv::Mat RandomPixels(int type);
+cv::Mat RandomPixels(int type, int width = Width, int height = Height);
 
 /// Wraps the pixels of an OpenCV image; B, G, R become the planes R, G, B.
 ImageHandle External(const cv::Mat &pixels);
@@ -42,6 +42,7 @@ void Require(bool success, const std::string &what);
 void RegisterHandles();
 void RegisterViews();
 void RegisterDuplicates();
+void RegisterRectangles();
 void RegisterBitmaps(const std::string &folder);
 
 } // namespace Bench

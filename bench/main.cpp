@@ -14,6 +14,7 @@ int main(int count, char **arguments) {
     Bench::RegisterHandles();
     Bench::RegisterViews();
     Bench::RegisterDuplicates();
+    Bench::RegisterRectangles();
     Bench::RegisterBitmaps(folder);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
