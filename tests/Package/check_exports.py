@@ -52,13 +52,13 @@ def differences(first, first_name, second, second_name):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("--library", required=True)
+    parser.add_argument("--library", dest="binary", required=True)
     parser.add_argument("--map", required=True, type=Path)
     parser.add_argument("--headers", required=True, type=Path)
     parser.add_argument("--nm", default="nm")
     arguments = parser.parse_args()
     listed = names_of_map(arguments.map)
-    built = names_of_library(arguments.library, arguments.nm)
+    built = names_of_library(arguments.binary, arguments.nm)
     declared = names_of_headers(arguments.headers)
     found = list(differences(listed, "the version script", built, "the library"))
     found += differences(listed, "the version script", declared, "the headers")

@@ -14,18 +14,18 @@ INSTRUMENTED = r"(lib(a|ub|t)san|libboost_atomic)\.so\..*"
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("--library", required=True)
+    parser.add_argument("--library", dest="binary", required=True)
     parser.add_argument("--readelf", default="readelf")
     parser.add_argument("--sanitized", action="store_true")
     arguments = parser.parse_args()
-    text = subprocess.run([arguments.readelf, "-dW", arguments.library], check=True, capture_output=True,
+    text = subprocess.run([arguments.readelf, "-dW", arguments.binary], check=True, capture_output=True,
                           text=True).stdout
     found = []
     if re.findall(r"\(SONAME\).*\[(.*)\]", text) != [SONAME]:
         found.append(f"the soname is not {SONAME}")
-    if os.path.basename(arguments.library) != SONAME:
+    if os.path.basename(arguments.binary) != SONAME:
         found.append(f"the file is not called {SONAME}")
-    link = os.path.join(os.path.dirname(arguments.library), "libORVImg.so")
+    link = os.path.join(os.path.dirname(arguments.binary), "libORVImg.so")
     if not os.path.islink(link) or os.readlink(link) != SONAME:
         found.append(f"libORVImg.so is no link to {SONAME}")
     needed = re.findall(r"\(NEEDED\).*\[(.*)\]", text)

@@ -10,7 +10,7 @@ SKIPPED = 77
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
-    parser.add_argument("--library", required=True)
+    parser.add_argument("--library", dest="binary", required=True)
     parser.add_argument("--mode", required=True, choices=["load", "report"])
     arguments = parser.parse_args()
     valgrind = shutil.which("valgrind")
@@ -19,7 +19,7 @@ def main():
         return SKIPPED
     return subprocess.run([valgrind, "--leak-check=full", "--show-leak-kinds=all", "--num-callers=30",
                            "--errors-for-leak-kinds=definite,indirect,possible", "--error-exitcode=1",
-                           arguments.program, arguments.library, arguments.mode]).returncode
+                           arguments.program, arguments.binary, arguments.mode]).returncode
 
 
 if __name__ == "__main__":
