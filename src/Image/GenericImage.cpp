@@ -7,7 +7,6 @@
 
 namespace {
 
-using Image::TreeForm;
 using Persistence::NodeHolder;
 
 /// The root keeps its size in 31 bits, and its list counts planes in as many.

@@ -5,7 +5,6 @@
 #include "Interface/ImageGuard.h"
 #include "Interface/InterfaceId.h"
 
-using Image::Dimensions;
 using Image::DimensionsOf;
 using Interface::GuardCall;
 using Interface::ImageForCall;

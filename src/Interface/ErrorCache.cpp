@@ -84,7 +84,7 @@ CtkHRESULTErrorCache &CtkHRESULTErrorCache::OfThisThread() {
     if (slots.get() == nullptr) {
         auto fresh = std::make_unique<CtkHRESULTErrorCache>();
         slots.reset(fresh.get());
-        fresh.release();
+        static_cast<void>(fresh.release()); // the thread holds it now
     }
     return *slots;
 }
