@@ -14,18 +14,6 @@ constexpr unsigned Linear = vpat_analyzer::ClassLinear;
 constexpr unsigned Dense = vpat_analyzer::ClassDense;
 constexpr unsigned Interleaved = vpat_analyzer::ClassInterleaved;
 
-/// One axis: clips [first, last] so that it fits behind targetFirst. False when less than nothing is left.
-bool ClipAxis(std::int64_t &first, std::int64_t &last, std::int64_t targetFirst, std::int64_t targetCount) {
-    const std::int64_t count = last - first + 1;
-    if (targetFirst < 0) {
-        first -= targetFirst;
-        return targetFirst + count >= 0;
-    }
-    const std::int64_t usable = std::min(count, targetCount - targetFirst);
-    last = first + usable - 1;
-    return usable >= 0;
-}
-
 bool AllPlanesHaveClass3(const vpat_analyzer &image) {
     for (std::intptr_t plane = 0; plane < image.Planes(); ++plane)
         if (image.XClass(plane) != (Linear | Dense))
@@ -52,28 +40,6 @@ bool HaveEqualDatatypes(const vpat_analyzer &source, const vpat_analyzer &target
 }
 
 } // namespace
-
-bool ClipRect(const vpat_analyzer &source, const vpat_analyzer &target, PixelRectangle &rectangle,
-              PixelPosition &targetPosition) {
-    if (rectangle.Left > rectangle.Right)
-        std::swap(rectangle.Left, rectangle.Right);
-    if (rectangle.Top > rectangle.Bottom)
-        std::swap(rectangle.Top, rectangle.Bottom);
-    if (rectangle.Left >= source.Width() || rectangle.Top >= source.Height() || targetPosition.X >= target.Width() ||
-        targetPosition.Y >= target.Height() || rectangle.Bottom < 0 || rectangle.Right < 0)
-        return false;
-    if (rectangle.Left < 0)
-        targetPosition.X -= rectangle.Left;
-    if (rectangle.Top < 0)
-        targetPosition.Y -= rectangle.Top;
-    rectangle.Left = std::max<std::int64_t>(rectangle.Left, 0);
-    rectangle.Top = std::max<std::int64_t>(rectangle.Top, 0);
-    rectangle.Right = std::min<std::int64_t>(rectangle.Right, source.Width() - 1);
-    rectangle.Bottom = std::min<std::int64_t>(rectangle.Bottom, source.Height() - 1);
-    const bool columnsLeft = ClipAxis(rectangle.Left, rectangle.Right, targetPosition.X, target.Width());
-    const bool rowsLeft = ClipAxis(rectangle.Top, rectangle.Bottom, targetPosition.Y, target.Height());
-    return columnsLeft && rowsLeft;
-}
 
 CopyMethod ChooseCopy(const vpat_analyzer &source, std::intptr_t sourcePlane, const vpat_analyzer &target,
                       std::intptr_t targetPlane, bool wholeLines) {

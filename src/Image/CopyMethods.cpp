@@ -59,16 +59,6 @@ bool AreDisjoint(const ViewPair &views) {
     return !RangeOf(views.Source).Meets(RangeOf(views.Target));
 }
 
-/// True for a rectangle of at least one pixel that lies, from there on, inside the image.
-bool IsInside(const vpat_analyzer &image, const PixelPosition &at, const PixelRectangle &rectangle) {
-    return rectangle.Width() > 0 && rectangle.Height() > 0 && at.X >= 0 && at.Y >= 0 &&
-           at.X <= image.Width() - rectangle.Width() && at.Y <= image.Height() - rectangle.Height();
-}
-
-bool MovesBlocks(PlaneCopyMethod method) {
-    return method == PlaneCopyMethod::Rows || method == PlaneCopyMethod::Whole;
-}
-
 /// The three planes of an image whose 8-bit pixels lie in dense groups of three, or in dense planes of their own.
 struct ThreePlanes {
     std::intptr_t ByAddress[3] = {}; ///< plane numbers, the lowest address first
@@ -172,6 +162,10 @@ bool CopyGroups(const vpat_analyzer &source, const vpat_analyzer &target, const 
     if (at.X < 0 || at.Y < 0 || !GroupView(source, from) || !GroupView(target, to) || from.Bytes != to.Bytes ||
         source.MemoryOrder() != target.MemoryOrder() || !MakeViews(from, to, rectangle, at, views))
         return false;
+    if (AreDisjoint(views)) {
+        CopyDisjointPlane(views.Source, views.Target);
+        return true;
+    }
     const bool whole = AllowsPlaneCopy(PlaneCopyMethod::Whole, views.Source, views.Target);
     CopyPlane(whole ? PlaneCopyMethod::Whole : PlaneCopyMethod::Rows, views.Source, views.Target);
     return true;
@@ -204,25 +198,10 @@ void RunCopy(CopyMethod method, const vpat_analyzer &source, std::intptr_t sourc
     ViewPair views;
     if (!MakeViews(ViewOf(source, sourcePlane), ViewOf(target, targetPlane), rectangle, targetPosition, views))
         return;
-    PlaneCopyMethod run = PlainMethodOf(method, views);
-    if (fastest && !MovesBlocks(run) && AreDisjoint(views))
-        run = ChoosePlaneCopy(views.Source, views.Target);
-    CopyPlane(run, views.Source, views.Target);
-}
-
-bool CopyApart(const vpat_analyzer &source, std::intptr_t sourcePlane, const vpat_analyzer &target,
-               std::intptr_t targetPlane, const PixelRectangle &rectangle, const PixelPosition &targetPosition) {
-    const TDataType type = source.Datatype(sourcePlane);
-    if (type != target.Datatype(targetPlane) || !IsTypedWidth(BytesOf(type)) ||
-        !IsInside(source, {rectangle.Left, rectangle.Top}, rectangle) || !IsInside(target, targetPosition, rectangle))
-        return false;
-    const ViewPair views = {
-        PartOf(source, sourcePlane, rectangle.Left, rectangle.Top, rectangle.Width(), rectangle.Height()),
-        PartOf(target, targetPlane, targetPosition.X, targetPosition.Y, rectangle.Width(), rectangle.Height())};
-    if (!AreDisjoint(views))
-        return false;
-    CopyPlane(ChoosePlaneCopy(views.Source, views.Target), views.Source, views.Target);
-    return true;
+    if (fastest && AreDisjoint(views))
+        CopyDisjointPlane(views.Source, views.Target);
+    else
+        CopyPlane(PlainMethodOf(method, views), views.Source, views.Target);
 }
 
 bool CopyAllPlanesAtOnce(const vpat_analyzer &source, const vpat_analyzer &target, const PixelRectangle &rectangle,

@@ -13,12 +13,6 @@ namespace Image {
 void RunCopy(CopyMethod method, const vpat_analyzer &source, std::intptr_t sourcePlane, const vpat_analyzer &target,
              std::intptr_t targetPlane, PixelRectangle rectangle, PixelPosition targetPosition, bool fastest);
 
-/// Copies a rectangle that ClipRect has left by the quickest way that its own part of the tables allows: there, all
-/// numbered methods give the same bytes. False, with nothing copied, when it does not lie inside both images, when
-/// memory is shared, or when the pixels are not of one type that is copied pixel by pixel.
-bool CopyApart(const vpat_analyzer &source, std::intptr_t sourcePlane, const vpat_analyzer &target,
-               std::intptr_t targetPlane, const PixelRectangle &rectangle, const PixelPosition &targetPosition);
-
 /// Copies all planes of both images at once when their pixels lie in dense groups of the same order, or when three
 /// dense planes meet three interleaved ones. False, with nothing copied, when they do not.
 bool CopyAllPlanesAtOnce(const vpat_analyzer &source, const vpat_analyzer &target, const PixelRectangle &rectangle,

@@ -16,7 +16,9 @@ struct Dimensions {
 inline Dimensions DimensionsOf(pOLE::IImageVPA &image) {
     Dimensions size;
     const bool told = image.GetImageDimensions(&size.Planes, &size.Width, &size.Height) == 0;
-    return told && size.Planes >= 0 && size.Width >= 0 && size.Height >= 0 ? size : Dimensions{};
+    if (!told || size.Planes < 0 || size.Width < 0 || size.Height < 0)
+        size = Dimensions{};
+    return size;
 }
 
 } // namespace Image

@@ -13,10 +13,6 @@ namespace {
 constexpr const char *FunctionName = "CreateDuplicateImage";
 constexpr std::uint32_t SomePlanesSkipped = 1;
 
-void CopyByFastestMethod(const PlaneView &source, const PlaneView &target) {
-    CopyPlane(ChoosePlaneCopy(source, target), source, target);
-}
-
 /// True when the three planes of an 8-bit image interleave without a gap and all advance alike, in either direction.
 bool IsThreeByteInterleaved(const vpat_analyzer &image) {
     constexpr std::intptr_t planes = 3;
@@ -42,7 +38,7 @@ bool CopyThreeBytePixels(const vpat_analyzer &source, const vpat_analyzer &targe
     PlaneView to = ViewOf(target, lowest);
     from.Bytes = 3;
     to.Bytes = 3;
-    CopyByFastestMethod(from, to);
+    CopyDisjointPlane(from, to);
     return true;
 }
 
@@ -68,7 +64,7 @@ std::intptr_t CopyPlanes(const vpat_analyzer &source, const vpat_analyzer &targe
     for (std::intptr_t plane = 0; plane < source.Planes(); ++plane) {
         const std::intptr_t bytes = BytesOf(source.Datatype(plane));
         if (IsTypedWidth(bytes) && bytes == BytesOf(target.Datatype(plane))) {
-            CopyByFastestMethod(ViewOf(source, plane), ViewOf(target, plane));
+            CopyDisjointPlane(ViewOf(source, plane), ViewOf(target, plane));
             ++copied;
         } else {
             ReportORVError(ErrDataType, FunctionName);

@@ -72,10 +72,6 @@ bool HasRowStep(const PlaneView &view) {
 }
 
 void CopyRows(const PlaneView &source, const PlaneView &target) {
-    if (HasRowStep(source) && HasRowStep(target) && !RangeOf(source).Meets(RangeOf(target)))
-        return RowKernels::Best().CopyRows(target.Row(0) + target.LowestColumn(), target.YStep,
-                                           source.Row(0) + source.LowestColumn(), source.YStep,
-                                           source.Width * source.Bytes, source.Height);
     const auto rowBytes = static_cast<std::size_t>(source.Width * source.Bytes);
     ForEachDenseRow(source, target, [rowBytes](char *to, const char *from) { std::memmove(to, from, rowBytes); });
 }
@@ -194,6 +190,18 @@ PlaneCopyMethod ChoosePlaneCopy(const PlaneView &source, const PlaneView &target
     if (IsLinear(source))
         return IsLinear(target) ? PlaneCopyMethod::StepsToSteps : PlaneCopyMethod::StepsToTable;
     return IsLinear(target) ? PlaneCopyMethod::TableToSteps : PlaneCopyMethod::TableToTable;
+}
+
+void CopyDisjointPlane(const PlaneView &source, const PlaneView &target) {
+    if (source.Width < 1 || source.Height < 1)
+        return;
+    const PlaneCopyMethod method = ChoosePlaneCopy(source, target);
+    if (method == PlaneCopyMethod::Rows && HasRowStep(source) && HasRowStep(target))
+        RowKernels::Best().CopyRows(target.Row(0) + target.LowestColumn(), target.YStep,
+                                    source.Row(0) + source.LowestColumn(), source.YStep, source.Width * source.Bytes,
+                                    source.Height);
+    else
+        CopyPlane(method, source, target);
 }
 
 bool IsTypedWidth(std::intptr_t bytes) {

@@ -31,6 +31,9 @@ PlaneCopyMethod ChoosePlaneCopy(const PlaneView &source, const PlaneView &target
 /// True when the method gives the plain result for these two views of disjoint memory.
 bool AllowsPlaneCopy(PlaneCopyMethod method, const PlaneView &source, const PlaneView &target);
 
+/// Copies by the method that ChoosePlaneCopy gives, and by what is quickest where memory is known to be disjoint.
+void CopyDisjointPlane(const PlaneView &source, const PlaneView &target);
+
 /// True for the pixel widths of an image's planes that are copied pixel by pixel: 1, 2, 4 and 8 bytes.
 bool IsTypedWidth(std::intptr_t bytes);
 

@@ -80,19 +80,4 @@ PlaneView ViewOf(const vpat_analyzer &image, std::intptr_t plane) {
             image.YStep(plane)};
 }
 
-PlaneView PartOf(const vpat_analyzer &image, std::intptr_t plane, std::intptr_t left, std::intptr_t top,
-                 std::intptr_t width, std::intptr_t height) {
-    const VPAEntry *columns = image.Table(plane) + left;
-    const VPAEntry *rows = image.Table(plane) + top;
-    const TableSteps steps = CommonSteps({columns, width, rows, height});
-    return {static_cast<char *>(image.PlaneBase(plane)),
-            columns,
-            rows,
-            width,
-            height,
-            BytesOf(image.Datatype(plane)),
-            steps.X,
-            steps.Y};
-}
-
 } // namespace Image

@@ -40,9 +40,5 @@ MemoryRange RangeOf(const PlaneView &view);
 
 /// A whole plane of an analysed image.
 PlaneView ViewOf(const vpat_analyzer &image, std::intptr_t plane);
-/// A rectangle of a plane, inside the image. Only the rectangle's entries are looked at, which may have a common step
-/// where those of the whole plane have none.
-PlaneView PartOf(const vpat_analyzer &image, std::intptr_t plane, std::intptr_t left, std::intptr_t top,
-                 std::intptr_t width, std::intptr_t height);
 
 } // namespace Image

@@ -125,6 +125,37 @@ void CopyRowsAtBaseline(char *target, std::intptr_t targetStep, const char *sour
                [rowBytes](char *to, const char *from) { std::memcpy(to, from, static_cast<std::size_t>(rowBytes)); });
 }
 
+template <bool FetchesNextRow>
+ORV_INLINE void CopyLongRow(char *target, std::intptr_t targetStep, const char *source, std::intptr_t sourceStep,
+                            std::intptr_t rowBytes) {
+    for (std::intptr_t x = 0; x < rowBytes - 128; x += 128) {
+        if constexpr (FetchesNextRow)
+            for (const std::intptr_t line : {x, x + 64}) {
+                __builtin_prefetch(source + sourceStep + line);
+                __builtin_prefetch(target + targetStep + line);
+            }
+        CopyFourRegisters(target + x, source + x);
+    }
+    CopyFourRegisters(target + rowBytes - 128, source + rowBytes - 128);
+}
+
+/// Rows of more than four registers. Where the rectangle is too large for the inner caches and fits the outer one,
+/// the next row is asked for while this one is copied; memory beyond is quicker without.
+__attribute__((target("avx2"))) void CopyLongRows(char *target, std::intptr_t targetStep, const char *source,
+                                                  std::intptr_t sourceStep, std::intptr_t rowBytes,
+                                                  std::intptr_t rows) {
+    constexpr std::intptr_t innerCache = 0x80000, outerCache = 0x800000;
+    const bool fetchesNextRow = rows > innerCache / rowBytes && rows <= outerCache / rowBytes;
+    for (std::intptr_t y = 0; y < rows; ++y) {
+        char *const to = target + y * targetStep;
+        const char *const from = source + y * sourceStep;
+        if (fetchesNextRow && y + 1 < rows)
+            CopyLongRow<true>(to, targetStep, from, sourceStep, rowBytes);
+        else
+            CopyLongRow<false>(to, targetStep, from, sourceStep, rowBytes);
+    }
+}
+
 /// Rows of a few registers need neither a call nor a loop: registers that overlap cover what is left over.
 __attribute__((target("avx2"))) void CopyRowsAtAvx2(char *target, std::intptr_t targetStep, const char *source,
                                                     std::intptr_t sourceStep, std::intptr_t rowBytes,
@@ -150,11 +181,7 @@ __attribute__((target("avx2"))) void CopyRowsAtAvx2(char *target, std::intptr_t 
             CopyRegister<32>(to + rowBytes - 32, from + rowBytes - 32);
         });
     else
-        ForEachRow(target, targetStep, source, sourceStep, rows, [rowBytes](char *to, const char *from) {
-            for (std::intptr_t x = 0; x < rowBytes - 128; x += 128)
-                CopyFourRegisters(to + x, from + x);
-            CopyFourRegisters(to + rowBytes - 128, from + rowBytes - 128);
-        });
+        CopyLongRows(target, targetStep, source, sourceStep, rowBytes, rows);
 }
 
 void ExtractAtBaseline(char *target, const char *source, std::intptr_t count) {

@@ -1,6 +1,7 @@
 // The one look at the entries of a table: whether those of an axis all stand equally far apart.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "ORVTypes.h"
@@ -34,7 +35,13 @@ TableSteps FirstSteps(const TablePart &part);
 /// The common step of each axis, or 0. Differences wrap. Cost: one pass over the entries.
 TableSteps CommonSteps(const TablePart &part);
 
-/// The same with the instructions of every x86-64 processor.
-TableSteps CommonStepsAtBaseline(const TablePart &part);
+/// CommonSteps at one instruction set level. All levels give the same; a test can list and call each.
+struct StepFinder {
+    const char *Name;
+    bool IsAvailable; ///< on this processor
+    TableSteps (*Find)(const TablePart &part);
+};
+/// The quickest first; the last one is for every x86-64 processor.
+const std::array<StepFinder, 3> &StepFinders();
 
 } // namespace Image

@@ -40,12 +40,9 @@ vpat_analyzer::vpat_analyzer(Interface::ImageForCall image, Linearity linearity)
 
 void vpat_analyzer::ReadPlanes() {
     size_ = DimensionsOf(*image_.Get());
-    for (std::intptr_t i = 0; i < size_.Planes; ++i) {
-        Plane &plane = planes_.emplace_back();
-        if (image_->GetPlaneDatatype(i, &plane.Datatype) != Interface::StatusOk ||
-            image_->GetPlaneVPA(i, &plane.Base, &plane.Table) < 0 || plane.Base == nullptr || plane.Table == nullptr)
+    for (std::intptr_t i = 0; i < size_.Planes; ++i)
+        if (!ReadPlaneFacts(*image_.Get(), i, planes_.emplace_back()))
             throw std::runtime_error("image invalid");
-    }
     planes_.emplace_back();
 }
 
@@ -58,8 +55,8 @@ const vpat_analyzer::Plane &vpat_analyzer::At(std::intptr_t plane) const {
 const TableSteps &vpat_analyzer::StepsOf(std::intptr_t plane) const {
     const Plane &found = At(plane);
     if (!found.Steps) {
-        const bool exists = found.Table != nullptr;
-        const TablePart whole = {found.Table, exists ? size_.Width : 0, found.Table, exists ? size_.Height : 0};
+        const VPAEntry *table = found.Table;
+        const TablePart whole = {table, table ? size_.Width : 0, table, table ? size_.Height : 0};
         found.Steps = linearity_ == Linearity::Known ? FirstSteps(whole) : CommonSteps(whole);
     }
     return *found.Steps;

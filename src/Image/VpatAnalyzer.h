@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Image/Dimensions.h"
+#include "Image/PlaneFacts.h"
 #include "Image/TableSteps.h"
 #include "Interface/ImageGuard.h"
 
@@ -25,6 +26,7 @@ public:
     virtual ~vpat_analyzer() = default;
 
     pOLE::IImageVPA &Image() const { return *image_.Get(); }
+    const Dimensions &Size() const { return size_; }
     std::intptr_t Planes() const { return size_.Planes; }
     std::intptr_t Width() const { return size_.Width; }
     std::intptr_t Height() const { return size_.Height; }
@@ -60,10 +62,7 @@ public:
     char *FirstPixel(std::intptr_t plane) const;
 
 private:
-    struct Plane {
-        void *Base = nullptr;
-        VPAEntry *Table = nullptr;
-        TDataType Datatype = 0;
+    struct Plane : PlaneFacts {
         mutable std::optional<TableSteps> Steps;
     };
     static constexpr std::size_t UsualPlanes = 4;

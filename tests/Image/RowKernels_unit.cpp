@@ -59,6 +59,9 @@ protected:
             }
     }
 
+    void CopyRows(const RowKernels &level, std::intptr_t rowBytes, std::intptr_t rows, std::intptr_t gap,
+                  bool upward);
+
     template <class T>
     void Transpose(std::intptr_t lines, std::intptr_t rows, std::intptr_t gap, bool upward);
 
@@ -78,6 +81,77 @@ TEST_P(RowKernelsTest, ReverseTurnsRowsOfAnyLengthAndWidth) {
     ReverseRows<ThreeBytes>();
     ReverseRows<std::uint32_t>();
     ReverseRows<std::uint64_t>();
+}
+
+/// Rows of every length up to 300, and some around the lengths where another loop takes over.
+std::vector<std::intptr_t> RowLengths() {
+    std::vector<std::intptr_t> lengths = {511, 1024, 4097, 16383, 16384, 16385};
+    for (std::intptr_t length = 0; length <= 300; ++length)
+        lengths.push_back(length);
+    return lengths;
+}
+
+/// Rows that lie gap bytes apart, upward or downward in the target's memory.
+void RowKernelsTest::CopyRows(const RowKernels &level, std::intptr_t rowBytes, std::intptr_t rows, std::intptr_t gap,
+                              bool upward) {
+    const std::intptr_t step = rowBytes + gap;
+    const std::intptr_t bytes = rows == 0 ? 0 : (rows - 1) * step + rowBytes;
+    FencedBlock from(static_cast<std::size_t>(std::max<std::intptr_t>(bytes, 1)), GetParam());
+    FencedBlock to(static_cast<std::size_t>(std::max<std::intptr_t>(bytes, 1)), GetParam());
+    std::generate_n(from.Data(), bytes, [this] { return static_cast<std::uint8_t>(random()); });
+    std::fill_n(to.Data(), bytes, std::uint8_t{'u'});
+    std::vector<std::uint8_t> expected(to.Data(), to.Data() + bytes);
+    const std::intptr_t first = upward || rows == 0 ? 0 : (rows - 1) * step;
+    const std::intptr_t targetStep = upward ? step : -step;
+    for (std::intptr_t y = 0; y < rows; ++y)
+        std::copy_n(from.Data() + y * step, rowBytes, expected.begin() + first + y * targetStep);
+    level.CopyRows(reinterpret_cast<char *>(to.Data()) + first, targetStep,
+                   reinterpret_cast<const char *>(from.Data()), step, rowBytes, rows);
+    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), to.Data()))
+        << level.Name << ", " << rows << " rows of " << rowBytes << " bytes, gap " << gap;
+}
+
+TEST_P(RowKernelsTest, CopyRowsWritesTheRowsAndNothingBetweenThem) {
+    for (const RowKernels *level : Levels())
+        for (const std::intptr_t rowBytes : RowLengths()) {
+            ASSERT_NO_FATAL_FAILURE(CopyRows(*level, rowBytes, 0, 1, true));
+            ASSERT_NO_FATAL_FAILURE(CopyRows(*level, rowBytes, 1, 0, true));
+            ASSERT_NO_FATAL_FAILURE(CopyRows(*level, rowBytes, 3, 0, true));
+            ASSERT_NO_FATAL_FAILURE(CopyRows(*level, rowBytes, 4, 5, true));
+            ASSERT_NO_FATAL_FAILURE(CopyRows(*level, rowBytes, 3, 7, false));
+        }
+}
+
+TEST(RowKernelsOrder, CopyRowsThatShareTargetBytesLeavesTheLastRowOnTop) {
+    std::vector<char> source(4000), target(5000, 'u');
+    std::minstd_rand random(5);
+    std::generate(source.begin(), source.end(), [&random] { return static_cast<char>(random()); });
+    for (const RowKernels *level : Levels())
+        for (const std::intptr_t rowBytes : {16, 20, 33, 64, 65, 100, 129, 200, 300})
+            for (const std::intptr_t targetStep : {0, 1, 15, -7}) {
+                constexpr std::intptr_t rows = 9, middle = 1000;
+                auto expected = target;
+                for (std::intptr_t y = 0; y < rows; ++y)
+                    std::copy_n(source.begin() + y * 310, rowBytes, expected.begin() + middle + y * targetStep);
+                level->CopyRows(target.data() + middle, targetStep, source.data(), 310, rowBytes, rows);
+                ASSERT_EQ(target, expected) << level->Name << ", rows of " << rowBytes << ", step " << targetStep;
+            }
+}
+
+TEST(RowKernelsOrder, CopyRowsOfLargeRectanglesGivesTheSameBytes) {
+    constexpr std::intptr_t sourceStep = 1040, targetStep = 1029;
+    for (const RowKernels *level : Levels())
+        for (const std::intptr_t rows : {300, 530, 1100}) {
+            std::vector<char> source(static_cast<std::size_t>(rows * sourceStep));
+            std::vector<char> target(static_cast<std::size_t>(rows * targetStep), 'u');
+            std::minstd_rand random(6);
+            std::generate(source.begin(), source.end(), [&random] { return static_cast<char>(random()); });
+            auto expected = target;
+            for (std::intptr_t y = 0; y < rows; ++y)
+                std::copy_n(source.begin() + y * sourceStep, 1001, expected.begin() + y * targetStep);
+            level->CopyRows(target.data(), targetStep, source.data(), sourceStep, 1001, rows);
+            ASSERT_TRUE(target == expected) << level->Name << ", " << rows;
+        }
 }
 
 TEST_P(RowKernelsTest, ExtractTakesEveryThirdByteAndReadsNoneBehindTheLast) {
