@@ -1,8 +1,10 @@
 // What an image tells about one of its planes, as one value.
 #pragma once
 
+#include <vector>
+
+#include "Image/Dimensions.h"
 #include "Interface/InterfaceId.h"
-#include "Interfaces.h"
 
 namespace Image {
 
@@ -17,6 +19,14 @@ inline bool ReadPlaneFacts(pOLE::IImageVPA &image, std::intptr_t plane, PlaneFac
     return image.GetPlaneDatatype(plane, &facts.Datatype) == Interface::StatusOk &&
            image.GetPlaneVPA(plane, &facts.Base, &facts.Table) >= 0 && facts.Base != nullptr &&
            facts.Table != nullptr;
+}
+
+/// All planes. False when one of them refuses.
+inline bool ReadPlaneFacts(pOLE::IImageVPA &image, const Dimensions &size, std::vector<PlaneFacts> &facts) {
+    for (std::intptr_t plane = 0; plane < size.Planes; ++plane)
+        if (!ReadPlaneFacts(image, plane, facts.emplace_back()))
+            return false;
+    return true;
 }
 
 } // namespace Image

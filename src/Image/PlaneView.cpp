@@ -34,24 +34,6 @@ bool Clears(std::size_t step, std::intptr_t count, std::size_t pixelStep, std::s
 
 } // namespace
 
-std::intptr_t PlaneView::LowestColumn() const {
-    return std::min(Columns[0].XEntry, Columns[Width - 1].XEntry);
-}
-
-PlaneView PlaneView::Part(std::intptr_t left, std::intptr_t top, std::intptr_t width, std::intptr_t height) const {
-    PlaneView part = *this;
-    part.Columns += left;
-    part.Rows += top;
-    part.Width = width;
-    part.Height = height;
-    const bool inside = left >= 0 && top >= 0 && left + width <= Width && top + height <= Height;
-    if (!inside) {
-        part.XStep = 0;
-        part.YStep = 0;
-    }
-    return part;
-}
-
 bool PlaneView::HasDistinctPixels() const {
     const std::size_t x = orvBase::Magnitude(XStep);
     const std::size_t y = orvBase::Magnitude(YStep);
@@ -78,6 +60,12 @@ PlaneView ViewOf(const vpat_analyzer &image, std::intptr_t plane) {
             BytesOf(image.Datatype(plane)),
             image.XStep(plane),
             image.YStep(plane)};
+}
+
+PlaneView ViewOf(const PlaneFacts &plane, const Dimensions &size) {
+    const TableSteps steps = CommonSteps({plane.Table, size.Width, plane.Table, size.Height});
+    return {static_cast<char *>(plane.Base), plane.Table, plane.Table, size.Width, size.Height,
+            BytesOf(plane.Datatype),         steps.X,     steps.Y};
 }
 
 } // namespace Image
