@@ -53,7 +53,16 @@ TSList *TImageObject::PlaneList() const {
 }
 
 TImagePlane *TImageObject::Plane(std::intptr_t number) const {
+    constexpr std::intptr_t quicklyWalked = 32;
     const TSList *list = PlaneList();
+    if (number >= quicklyWalked && list != nullptr) {
+        std::call_once(indexOnce_, [&] {
+            for (auto *node = list->HeadNode(); node != nullptr; node = node->Next)
+                index_.push_back(static_cast<TImagePlane *>(node->Item));
+        });
+        if (static_cast<std::intptr_t>(index_.size()) == list->GetCount())
+            return number < list->GetCount() ? index_[static_cast<std::size_t>(number)] : nullptr;
+    }
     const auto *node = list == nullptr ? nullptr : list->NodeAt(number);
     return node == nullptr ? nullptr : static_cast<TImagePlane *>(node->Item);
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
+#include <vector>
 
 #include "Image/ImagePlane.h"
 #include "Image/TreeInterfaces.h"
@@ -25,7 +27,8 @@ public:
     virtual void SetOverlay(bool on);
 
     void SetSize(std::int32_t width, std::int32_t height);
-    /// Null for a plane number out of range.
+    /// Null for a plane number out of range. The first call for a plane far behind in the list indexes the list,
+    /// which must be complete then.
     TImagePlane *Plane(std::intptr_t number) const;
     /// Null as long as the tree is empty.
     TSList *PlaneList() const;
@@ -35,6 +38,8 @@ public:
 
 private:
     std::unique_ptr<TIImageVPA> interface_;
+    mutable std::once_flag indexOnce_;
+    mutable std::vector<TImagePlane *> index_;
     std::int32_t width_ = 0;
     std::int32_t height_ = 0;
     std::uint32_t levelTag_ = 30;
