@@ -4,6 +4,8 @@
 
 #include "ORVTypes.h"
 
+#include "AreaOperations.h"
+#include "ColorTransforms.h"
 #include "ErrorHandling.h"
 #include "ImageCoordinates.h"
 #include "ImageCopies.h"
@@ -11,10 +13,14 @@
 #include "ImageFiles.h"
 #include "ImageMaps.h"
 #include "ImageQueries.h"
+#include "ImageScan.h"
+#include "ImageStatistics.h"
 #include "ImageViews.h"
 #include "InterfaceHandling.h"
 #include "Interfaces.h"
 #include "Matrices.h"
+#include "Overlays.h"
 #include "RectangleCopy.h"
+#include "ValueMapping.h"
 
 #endif

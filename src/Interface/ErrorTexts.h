@@ -7,6 +7,8 @@ inline constexpr char InvalidPlaneIndex[] = "Invalid Plane Index";
 inline constexpr char InvalidXCoordinate[] = "Invalid X coordinate";
 inline constexpr char InvalidYCoordinate[] = "Invalid Y coordinate";
 inline constexpr char InvalidInputArray[] = "Invalid input Array";
+inline constexpr char InvalidTargetDimension[] = "Invalid Target Dimension";
+inline constexpr char ZeroSizedArea[] = "Zero sized areas cannot be processed";
 inline constexpr char NullDataPointer[] = "Data pointer must not be NULL";
 inline constexpr char InconsistentData[] = "Inconsistent data";
 inline constexpr char InvalidDimensions[] = "Invalid dimension parameters";
@@ -14,5 +16,10 @@ inline constexpr char XPitchTooSmall[] = "X Pitch too small";
 inline constexpr char YPitchTooSmall[] = "Y Pitch too small";
 inline constexpr char ZPitchTooSmall[] = "Z Pitch too small";
 inline constexpr char InvalidSequenceOrder[] = "Sequence order is invalid";
+inline constexpr char OtherPlatformOnly[] = "Only supported on the Windows 32 Bit platform";
+inline constexpr char NoLongerImplemented[] = "The function you called is no longer implemented in the current build";
+inline constexpr char UnknownNormalizationMode[] = "Unknown Normalization Mode specified";
+inline constexpr char EmptyTargetImage[] =
+    "Operation failed because target image would have width and/or height of 0";
 
 } // namespace Interface::ErrorTexts
