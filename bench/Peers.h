@@ -44,6 +44,10 @@ void RegisterViews();
 void RegisterDuplicates();
 void RegisterRectangles();
 void RegisterBitmaps(const std::string &folder);
+void RegisterScans();
+void RegisterStatistics();
+void RegisterMappings();
+void RegisterColors();
 
 } // namespace Bench
 

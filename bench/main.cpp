@@ -16,6 +16,10 @@ int main(int count, char **arguments) {
     Bench::RegisterDuplicates();
     Bench::RegisterRectangles();
     Bench::RegisterBitmaps(folder);
+    Bench::RegisterScans();
+    Bench::RegisterStatistics();
+    Bench::RegisterMappings();
+    Bench::RegisterColors();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::filesystem::remove_all(folder);
