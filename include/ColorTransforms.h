@@ -9,17 +9,18 @@
 ORV_BEGIN_C
 
 /** Makes an image whose planes are linear combinations of the source's n planes:
- *  v = offset + pixel[0] * c[0] + ... + pixel[n - 1] * c[n - 1], in this order, in double. Integers store
- *  trunc(v + 0.5), after v was limited.
+ *  v = offset + pixel[0] * c[0] + ... + pixel[n - 1] * c[n - 1], in this order, in double. Integers store trunc(v +
+ *  0.5), after v was limited.
  *  targetPlanes  number of planes of the result, 1 to 1048576; all of the data type of plane 0 of image.
- *  absolute      0: v is limited to the range of the pixel type. Otherwise v above the range becomes its upper limit,
- *                and v below it is reflected at the lower limit, which gives the magnitude for unsigned types;
- *                the reflected value is not limited again, only its low bits are stored.
+ *  absolute      0: v is limited to the range of the pixel type. Otherwise v above the range becomes its upper
+ *                limit, and v below it is reflected at the lower limit, which gives the magnitude for unsigned
+ *                types; the reflected value is not limited again, only its low bits are stored.
  *  matrix        targetPlanes rows of n + 1 values: c[0] to c[n - 1] and the offset.
  *  result        the new image with one reference and the source's coordinate map. ErrParameter for null.
  *  Errors        ErrNotAnImage; ErrParameter "Invalid Target Dimension" for too many planes, "Invalid input Array"
- * for a null matrix; ErrDataType for pixels that are none of the ten types; ErrNotPossible when a plane is narrower
- * than plane 0; ErrGeneral when the result can't be made. Threads       safe beside other readers of image. */
+ *                for a null matrix; ErrDataType for pixels that are none of the ten types; ErrNotPossible when a
+ *                plane is narrower than plane 0; ErrGeneral when the result can't be made.
+ *  Threads       safe beside other readers of image. */
 ORV_API int32_t CreateColorTransform(void *image, int64_t targetPlanes, unsigned char absolute, const double *matrix,
                                      void **result);
 

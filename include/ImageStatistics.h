@@ -15,8 +15,8 @@ ORV_BEGIN_C
  *  density    samples per 1000 pixels of an edge, at least 1; above 1000 counts as 1000.
  *  histogram  256 counters; cleared first. ErrParameter for null.
  *  Errors     ErrNotAnImage; ErrPlaneIndex; ErrDataType for any other data type; ErrGeneral for a density below 1,
- * pixels of no width, an area out of range, and for a walk that counted one pixel only and left others out (the
- * counters are cleared, and set as far as the walk came, in these cases). */
+ *             pixels of no width, an area out of range, and for a walk that counted one pixel only and left others
+ *             out (the counters are cleared, and set as far as the walk came, in these cases). */
 ORV_API int32_t ImageHistogram(void *image, intptr_t plane, TArea area, int64_t density, uint64_t *histogram);
 
 /** The least and the greatest value of all planes at each pixel.

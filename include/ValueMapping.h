@@ -16,20 +16,22 @@ ORV_BEGIN_C
 
 /** Stretches the values of each plane, each by its own statistics: stored = value * gain + offset (+ 0.5 for
  *  integers, which are then truncated), limited to the range of the pixel type.
- *  mode 0   gain = target2 / deviation (1 where either is 0), offset = target1 - gain * mean. target1 is limited to
- *           the pixel type's range, target2 to 0 .. upper limit squared. The mean of a signed plane of 8 or 16 bits
- * is taken 128 or 32768 too high, and squares of 32-bit integers wrap at 32 bits. mode 1   gain = (target2 - target1)
- * / (maximum - minimum) (1 where either difference is 0), offset = target2 - gain * maximum. Both targets are limited
- * to the pixel type's range; target1 above target2 inverts. result   the new image with one reference. ErrParameter
- * for null. Errors   ErrNotAnImage; ErrGeneral when the result can't be made; ErrDataType for a plane that is none of
- * the ten types; ErrParameter "Unknown Normalization Mode specified". */
+ *  mode 0  gain = target2 / deviation (1 where either is 0), offset = target1 - gain * mean. target1 is limited to
+ *          the pixel type's range, target2 to 0 .. upper limit squared. The mean of a signed plane of 8 or 16 bits
+ *          is taken 128 or 32768 too high, and squares of 32-bit integers wrap at 32 bits.
+ *  mode 1  gain = (target2 - target1) / (maximum - minimum) (1 where either difference is 0), offset = target2 -
+ *          gain * maximum. Both targets are limited to the pixel type's range; target1 above target2 inverts.
+ *  result  the new image with one reference. ErrParameter for null.
+ *  Errors  ErrNotAnImage; ErrGeneral when the result can't be made or the image refuses a plane; ErrDataType for a
+ *          plane that is none of the ten types; ErrParameter "Unknown Normalization Mode specified". */
 ORV_API int32_t CreateNormalizedImage(void *image, int32_t mode, double target1, double target2, void **result);
 
 /** Scales an image of unsigned 16-bit planes down to 8 bits: stored = trunc(value * 255 / maximum).
  *  commonScale  non-zero: maximum is that of all planes (of signed planes the greatest magnitude, of float planes
- * that of the pixels cut to 32-bit integers); 0: each plane's own. result       an image of 8-bit planes with one
- * reference; a plain duplicate where all planes have 8 bits already. Planes of any other type than unsigned 16 bits
- * are not set. ErrParameter for null. Errors       ErrNotAnImage; ErrGeneral when the result can't be made. */
+ *               that of the pixels cut to 32-bit integers); 0: each plane's own.
+ *  result       an image of 8-bit planes with one reference; a plain duplicate where all planes have 8 bits
+ *               already. Planes of any other type than unsigned 16 bits are blank. ErrParameter for null.
+ *  Errors       ErrNotAnImage; ErrGeneral when the result can't be made or the image refuses a plane. */
 ORV_API int32_t MapTo8Bit(void *image, unsigned char commonScale, void **result);
 
 ORV_END_C
