@@ -1,41 +1,20 @@
 // The first job on a real file: load a bitmap, look at it through its tables, turn, join, cut, shrink, split and
-// overlay it without moving a pixel, write it again. Usage: first_picture [FILE.bmp ...]; without a file it draws a
-// scene of its own. Pictures go to the folder "out". The exit code is 0 only when every proof holds.
+// overlay it without moving a pixel, walk over it, map its values, write all of it again. Usage: first_picture
+// [FILE.bmp ...]; without a file it draws a scene of its own. Pictures go to the folder "out". The exit code is 0
+// only when every proof holds.
 #include "composition_proofs.h"
+#include "demo_report.h"
 #include "gallery.h"
 #include "png_writer.h"
 #include "proofs.h"
+#include "scan_job.h"
 
-#include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <stdexcept>
 
 namespace {
 
 constexpr double allowedMarkError = 0.1; // pixels
-const std::filesystem::path outFolder = "out";
-
-/// Counts the proofs and gives the word for the table.
-class Verdict {
-public:
-    const char *Note(bool holds) {
-        ++(holds ? held : failed);
-        return holds ? "yes" : "NO";
-    }
-    int Print() const {
-        if (failed == 0)
-            std::printf("\nAll %d proofs hold: every view shows the caller's own pixels, and no pixel has moved.\n",
-                        held);
-        else
-            std::printf("\nFAILED: %d of %d proofs do not hold.\n", failed, held + failed);
-        return failed == 0 && held > 0 ? 0 : 1;
-    }
-
-private:
-    int held = 0;
-    int failed = 0;
-};
 
 void Describe(void *image) {
     std::printf("  %td x %td pixels, %td plane(s), data type 0x%03X: %td bits, %s\n", ImageWidth(image),
@@ -48,10 +27,6 @@ void Describe(void *image) {
     GetImageCoordinates(image, &map);
     std::printf("  coordinate system: origin (%g, %g), matrix (%g %g / %g %g)\n", map.X, map.Y, map.Matrix.A11,
                 map.Matrix.A12, map.Matrix.A21, map.Matrix.A22);
-}
-
-std::string OutPath(const std::string &stem, const std::string &ending) {
-    return (outFolder / (stem + "_" + ending + ".bmp")).string();
 }
 
 void PrintTitles(const char *views, const char *third) {
@@ -174,6 +149,7 @@ void RunJob(const std::filesystem::path &file, const Scene *scene, bool drawsGal
         std::printf("\n  out/gallery.png shows the picture and all of these: %s\n",
                     verdict.Note(WritePng((outFolder / "gallery.png").string(),
                                           DrawGallery(source.Get(), views, made).Get())));
+    RunScans(source.Get(), scene, stem, drawsGallery, verdict);
     GiveBack(source, views, made, buffer, verdict);
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <random>
 
 namespace {
@@ -11,6 +12,8 @@ namespace {
 constexpr int sceneWidth = 800;
 constexpr int sceneHeight = 600;
 constexpr double boardAngle = 0.105; // radians
+constexpr double boardAngleDegrees = boardAngle * 180.0 / std::numbers::pi;
+constexpr int groundRows = 32;
 constexpr double boardHalfWidth = 330.0;
 constexpr double boardHalfHeight = 225.0;
 constexpr double blurSigma = 1.3; // pixels
@@ -131,7 +134,8 @@ Scene DrawScene() {
     for (Channel &channel : channels)
         Blur(channel);
 
-    Scene scene{sceneWidth, sceneHeight, OnBoard(0.0, 0.0, 10.0), {}, {}, {}};
+    Scene scene{sceneWidth, sceneHeight,       OnBoard(0.0, 0.0, 10.0), {},        {},
+                {},         boardAngleDegrees, boardHalfHeight,         groundRows};
     std::mt19937 generator(20260);
     for (std::size_t i = 0; i < pixels; ++i) {
         const double grey = 0.299 * channels[0][i] + 0.587 * channels[1][i] + 0.114 * channels[2][i];

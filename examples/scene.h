@@ -18,6 +18,9 @@ struct Scene {
     std::vector<Mark> marks;
     std::vector<std::uint8_t> grey;         ///< width x height bytes, first row first, no padding
     std::vector<std::uint8_t> blueGreenRed; ///< three bytes per pixel, first row first, no padding
+    double angleDegrees;                    ///< of the board's edges against those of the picture
+    double halfHeight;                      ///< of the board, in pixels
+    int groundRows;                         ///< so many rows from the top show the grey ground only
 };
 
 /// Draws the scene: the same bytes on every call. The ground and the marks are lit unevenly, blurred as by a lens and
