@@ -1,8 +1,9 @@
 /* Filling and copying the pixels of a parallelogram. The pixels are those of the walks of ImageScan.h at density
- * 1000, always in pixel coordinates. Pixels outside the image are left out without a report. Result of all: 1, or 0
- * with a report. What the operations of an image of the caller's own class throw passes on. Errors  ErrNotAnImage for
- * an image without IImageVPA; ErrPlaneIndex for a plane out of range; ErrDataType for pixels that are none of the ten
- * types. Threads the caller keeps other threads away from the pixels written. */
+ * 1000, always in pixel coordinates. Pixels outside the image are left out without a report.
+ * Result of all: 1, or 0 with a report. What the operations of an image of the caller's own class throw passes on.
+ * Errors   ErrNotAnImage for an image without IImageVPA; ErrPlaneIndex for a plane out of range; ErrDataType for
+ *          pixels that are none of the ten types; ErrGeneral for an image that refuses a plane.
+ * Threads  the caller keeps other threads away from the pixels written. */
 #ifndef ORV_AREA_OPERATIONS_H
 #define ORV_AREA_OPERATIONS_H
 
@@ -14,8 +15,8 @@ ORV_BEGIN_C
  *  source and target may be one image: pixels are then read and written in the order of the walk.
  *  area    pixel coordinates of the source. A column or row directly behind the smaller of both images is written
  *          through the table's guard entries, onto the last one.
- *  Errors  also ErrNotPossible when the data type words of the two planes differ in any bit. A walk that copied one
- *          pixel only and left others out gives 0 without a report. */
+ *  Errors  also ErrNotPossible when the data type words of the two planes differ in any bit. An area out of
+ *          range, and a walk that copied one pixel only and left others out, give 0 without a report. */
 ORV_API int32_t CopyImageArea(void *source, void *target, intptr_t sourcePlane, intptr_t targetPlane, int64_t targetX,
                               int64_t targetY, TArea area);
 

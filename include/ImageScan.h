@@ -26,7 +26,7 @@
  * Result     the number of pixels handed to pixelCallback, made negative when a sample lay outside; 0 without a
  *            pixelCallback; -1 on failure. A walk of one pixel that left others out gives -1, too.
  * Errors     ErrNotAnImage for an image without IImageVPA; ErrElementIndex for a plane out of range; ErrParameter for
- *            a negative density.
+ *            a negative density; ErrGeneral for an image that refuses a plane's table or its coordinate system.
  * Threads    any number of walks at once over images that nobody writes. Each image is kept alive for the time of
  *            the walk, also when a callback gives back the caller's own reference. */
 #ifndef ORV_IMAGE_SCAN_H
