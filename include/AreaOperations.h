@@ -30,8 +30,9 @@ ORV_API int32_t CopyImageArea(void *source, void *target, intptr_t sourcePlane, 
 ORV_API int32_t InitializeImageArea(void *image, intptr_t plane, int64_t value, TArea area);
 
 /** The same with a real value. Integers drop the fraction and then the bits above their width: on 8 bits, 300.7 is
- *  stored as 44 and -1.5 as 255. No number, and a value beyond 32 bits (64 bits for wider types), stores the low bits
- *  of the lowest integer. A plane whose pixels are not as wide as those of plane 0 is left as it is. */
+ *  stored as 44 and -1.5 as 255. No number, and a value beyond 32 bits (64 bits for unsigned 32-bit and for wider
+ *  pixels), stores the low bits of the lowest integer. A plane whose pixels are not as wide as those of plane 0 is
+ *  left as it is. */
 ORV_API int32_t InitializeImageAreaEx(void *image, intptr_t plane, double value, TArea area);
 
 ORV_END_C

@@ -19,7 +19,8 @@ ORV_BEGIN_C
  *  result        the new image with one reference and the source's coordinate map. ErrParameter for null.
  *  Errors        ErrNotAnImage; ErrParameter "Invalid Target Dimension" for too many planes, "Invalid input Array"
  *                for a null matrix; ErrDataType for pixels that are none of the ten types; ErrNotPossible when a
- *                plane is narrower than plane 0; ErrGeneral when the result can't be made.
+ *                plane is narrower than plane 0; ErrGeneral when the result can't be made or the image refuses a
+ *                plane.
  *  Threads       safe beside other readers of image. */
 ORV_API int32_t CreateColorTransform(void *image, int64_t targetPlanes, unsigned char absolute, const double *matrix,
                                      void **result);
@@ -34,16 +35,17 @@ ORV_API int32_t CreateLinearCombinationImage(void *image, unsigned char absolute
  *          null.
  *  area    pixel coordinates; the part inside the image counts. Pixels are those of the walks of ImageScan.h.
  *  Sums    of integers are 64 bits wide and wrap; those of signed integers are then taken as unsigned and get half
- *          the range of the type added once.
+ *          the range of the type added once, which for 32 bits is subtracted instead.
  *  Errors  ErrNotAnImage; ErrIndexRange for fewer than three planes; ErrDataType when the three differ in their data
  *          type, or are integers of more than 4 bytes, or none of the ten types; ErrGeneral for an area that no walk
- *          accepts.
+ *          accepts, and for an image that refuses a plane.
  *  Threads safe beside other readers of image. */
 ORV_API int32_t CalculateWhiteBalance(void *image, double *redGain, double *greenGain, double *blueGain, TArea area);
 
 /** Multiplies planes 0, 1 and 2 by a gain each, in place.
  *  Gains   integer pixels are multiplied by trunc(gain * 256 + 0.5) and shifted right by 8 bits; the result is
- *          limited to the upper end of the type's range. Signed integers count from the lower end of their range.
+ *          limited to the upper end of the type's range. Signed integers count from the lower end of their range;
+ *          with 32 bits this count is a signed number itself, negative from pixel 0 on.
  *          Products wrap at 32 bits, those of 32-bit pixels at 64. float pixels use the gain in single precision.
  *  Errors  as CalculateWhiteBalance.
  *  Threads the caller keeps other threads away from the image. */

@@ -14,16 +14,17 @@ ORV_BEGIN_C
  *             ImageScan.h.
  *  density    samples per 1000 pixels of an edge, at least 1; above 1000 counts as 1000.
  *  histogram  256 counters; cleared first. ErrParameter for null.
- *  Errors     ErrNotAnImage; ErrPlaneIndex; ErrDataType for any other data type; ErrGeneral for a density below 1,
- *             pixels of no width, an area out of range, and for a walk that counted one pixel only and left others
- *             out (the counters are cleared, and set as far as the walk came, in these cases). */
+ *  Errors     ErrNotAnImage; ErrPlaneIndex; ErrDataType for any other data type; ErrGeneral for an image that refuses
+ *             the data type. Also ErrGeneral, with the counters cleared and set as far as the walk came, for one that
+ *             refuses the table, a density below 1, pixels of no width, an area out of range, and for a walk that
+ *             counted one pixel only and left others out. */
 ORV_API int32_t ImageHistogram(void *image, intptr_t plane, TArea area, int64_t density, uint64_t *histogram);
 
 /** The least and the greatest value of all planes at each pixel.
  *  minimumImage, maximumImage  one plane each of the data type of plane 0, one reference each; identity coordinate
  *          map. All planes are read as that type. ErrParameter for null.
  *  Errors  ErrNotAnImage; ErrDataType for pixels that are none of the ten types; ErrNotPossible when a plane is
- *          narrower than plane 0; ErrGeneral when a result can't be made. */
+ *          narrower than plane 0; ErrGeneral when a result can't be made or the image refuses a plane. */
 ORV_API int32_t CreateMinMaxImage(void *image, void **minimumImage, void **maximumImage);
 
 /** The mean and the standard deviation of all planes at each pixel, computed in double:

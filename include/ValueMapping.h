@@ -26,11 +26,12 @@ ORV_BEGIN_C
  *          plane that is none of the ten types; ErrParameter "Unknown Normalization Mode specified". */
 ORV_API int32_t CreateNormalizedImage(void *image, int32_t mode, double target1, double target2, void **result);
 
-/** Scales an image of unsigned 16-bit planes down to 8 bits: stored = trunc(value * 255 / maximum).
+/** Scales an image of unsigned 16-bit planes down to 8 bits: stored = trunc(value * 255 / maximum), or 0 where the
+ *  maximum is 0.
  *  commonScale  non-zero: maximum is that of all planes (of signed planes the greatest magnitude, of float planes
- *               that of the pixels cut to 32-bit integers); 0: each plane's own.
- *  result       an image of 8-bit planes with one reference; a plain duplicate where all planes have 8 bits
- *               already. Planes of any other type than unsigned 16 bits are blank. ErrParameter for null.
+ *               that of the pixels cut to 32-bit integers), at most 65535; 0: each plane's own.
+ *  result       an image of 8-bit planes with one reference; a plain duplicate where all planes have 8 bits already.
+ *               Planes of any other type than unsigned 16 bits are 0 in it. ErrParameter for null.
  *  Errors       ErrNotAnImage; ErrGeneral when the result can't be made or the image refuses a plane. */
 ORV_API int32_t MapTo8Bit(void *image, unsigned char commonScale, void **result);
 

@@ -27,7 +27,9 @@ struct AreaCopy {
     bool BeginLine(std::int64_t) const { return true; }
     bool EndLine(std::int64_t) const { return true; }
     bool Pixel(std::int32_t x, std::int32_t y) const {
-        std::memcpy(Target.Pixel(x + Dx, y + Dy), Source.Pixel(x, y), sizeof(T));
+        char pixel[sizeof(T)]; // both may share memory
+        std::memcpy(pixel, Source.Pixel(x, y), sizeof pixel);
+        std::memcpy(Target.Pixel(x + Dx, y + Dy), pixel, sizeof pixel);
         return true;
     }
     void Span(std::int32_t left, std::int32_t y, std::int64_t width) const {
@@ -50,16 +52,37 @@ bool IsInsideImages(const PixelBounds &walked, const Image::Dimensions &first, c
            walked.Bottom + dy < second.Height;
 }
 
-/// The part of the bounds that samples can lie in, roughly. All of it when a line can begin on the far side.
-PixelBounds AroundSamples(const TArea &area, const PixelBounds &bounds) {
-    constexpr double margin = 2.0, furthest = 65000.0;
-    const auto x = std::minmax({area.X0, area.X1, area.X2, area.X1 + area.X2 - area.X0});
-    const auto y = std::minmax({area.Y0, area.Y1, area.Y2, area.Y1 + area.Y2 - area.Y0});
-    const bool isOrdinary = x.first >= 0.0 && y.first >= 0.0 && x.second <= furthest && y.second <= furthest;
+/// From the lowest to the highest position along an axis, in pixels.
+struct Reach {
+    double Lowest, Highest;
+};
+
+/// Of all samples. Not that of the area: steps are rounded, so that the last line can lie far behind its edge.
+/// mostCorrection  what the alignment of a line can add to its highest position; never along the line's own axis.
+Reach ReachOf(std::int64_t start, std::int64_t sampleStep, std::int64_t lineStep, const WalkPlan &plan,
+              double mostCorrection) {
+    const auto travel = [](std::int64_t step, std::int64_t steps) {
+        return static_cast<double>(step) / 65536.0 * static_cast<double>(steps);
+    };
+    const double first = static_cast<double>(start) / 65536.0;
+    const double along = travel(sampleStep, plan.Samples - 1), across = travel(lineStep, plan.Lines - 1);
+    return {first + std::min(along, 0.0) + std::min(across, 0.0),
+            first + std::max(along, 0.0) + std::max(across, 0.0) + mostCorrection};
+}
+
+/// The part of the bounds that samples can lie in. All of it when a line can begin on the far side.
+PixelBounds AroundSamples(const WalkPlan &plan, const PixelBounds &bounds) {
+    constexpr double furthest = 65000.0;
+    const FixedPoint &step = plan.SampleStep;
+    const double slope = std::fabs(plan.IsYMajor ? static_cast<double>(step.X) / static_cast<double>(step.Y)
+                                                 : static_cast<double>(step.Y) / static_cast<double>(step.X));
+    const Reach x = ReachOf(plan.Start.X, step.X, plan.LineStep.X, plan, plan.IsYMajor ? slope : 0.0);
+    const Reach y = ReachOf(plan.Start.Y, step.Y, plan.LineStep.Y, plan, plan.IsYMajor ? 0.0 : slope);
+    const bool isOrdinary = x.Lowest >= 0.0 && y.Lowest >= 0.0 && x.Highest <= furthest && y.Highest <= furthest;
     if (!isOrdinary)
         return bounds;
-    return {bounds.Left, bounds.Top, std::min(bounds.Right, static_cast<std::int32_t>(x.second + margin)),
-            std::min(bounds.Bottom, static_cast<std::int32_t>(y.second + margin))};
+    return {bounds.Left, bounds.Top, std::min(bounds.Right, static_cast<std::int32_t>(x.Highest)),
+            std::min(bounds.Bottom, static_cast<std::int32_t>(y.Highest))};
 }
 
 struct CopyRequest {
@@ -87,7 +110,7 @@ std::int64_t CopyPixels(const CopyRequest &request) {
     if (bounds.Left > bounds.Right || bounds.Top > bounds.Bottom)
         return QuickWalk(*plan, bounds, copy);
     const bool isOrderFree = copy.Target.HasDistinctPixels() &&
-                             IsInsideImages(AroundSamples(request.Area, bounds), source, target, copy.Dx, copy.Dy) &&
+                             IsInsideImages(AroundSamples(*plan, bounds), source, target, copy.Dx, copy.Dy) &&
                              !Image::RangeOf(copy.Source).Meets(Image::RangeOf(copy.Target));
     return isOrderFree ? VisitPixels(*plan, bounds, copy) : QuickWalk(*plan, bounds, copy);
 }
@@ -122,13 +145,18 @@ int32_t CopyImageArea(void *source, void *target, intptr_t sourcePlane, intptr_t
         !HasPlane(Image::DimensionsOf(*to.Get()), targetPlane))
         return Refuse(ErrPlaneIndex);
     CopyRequest request = {*from.Get(), *to.Get(), {}, {}, Offset(targetX, area.X0), Offset(targetY, area.Y0), area};
+    TDataType sourceType = 0, targetType = 0;
+    if (from->GetPlaneDatatype(sourcePlane, &sourceType) != Interface::StatusOk ||
+        to->GetPlaneDatatype(targetPlane, &targetType) != Interface::StatusOk)
+        return Refuse(ErrGeneral);
+    if (sourceType != targetType)
+        return Refuse(ErrNotPossible);
+    if (PixelTypeOf(sourceType) == PixelType::Unsupported)
+        return Refuse(ErrDataType);
     if (!Image::ReadPlaneFacts(*from.Get(), sourcePlane, request.SourcePlane) ||
         !Image::ReadPlaneFacts(*to.Get(), targetPlane, request.TargetPlane))
         return Refuse(ErrGeneral);
-    if (request.SourcePlane.Datatype != request.TargetPlane.Datatype)
-        return Refuse(ErrNotPossible);
     std::int64_t copied = scanFailed;
-    if (!ForPixelType(request.SourcePlane.Datatype, [&]<class T>() { copied = CopyPixels<T>(request); }))
-        return Refuse(ErrDataType);
+    ForPixelType(sourceType, [&]<class T>() { copied = CopyPixels<T>(request); });
     return copied != scanFailed ? 1 : 0;
 }

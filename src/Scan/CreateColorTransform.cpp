@@ -8,6 +8,7 @@
 #include "Scan/ColorMatrix.h"
 #include "Scan/ImagePlanes.h"
 #include "Scan/PixelType.h"
+#include "Scan/ResultImage.h"
 
 namespace Scan {
 namespace {
@@ -83,14 +84,12 @@ Interface::ImageHolder Transform(pOLE::IImageVPA &image, std::int64_t targetPlan
     void *made = nullptr;
     const bool isMade = targetPlanes > 0 && CreateGenericImageDT(targetPlanes, source.Size.Width, source.Size.Height,
                                                                  source.Datatype, &made);
-    Interface::ImageHolder target(isMade ? static_cast<pOLE::IImageVPA *>(made) : nullptr);
+    Interface::ImageHolder target = AdoptImage(isMade ? made : nullptr);
     if (!target.IsValid() || !CombineAll(source, matrix, reflects, *target.Get(), targetPlanes)) {
         Fail(ErrGeneral);
         return {};
     }
-    TCoordinateMap map = {};
-    if (image.GetCoordinateMap(&map) >= 0)
-        target->SetCoordinateMap(map);
+    PassCoordinateMap(image, *target.Get());
     return target;
 }
 

@@ -148,14 +148,14 @@ struct DigitalArea::EdgeSearch {
     std::uint16_t Width;
 
     bool IsMet(std::int32_t i) const {
-        return static_cast<std::uint16_t>(Fraction + static_cast<std::uint16_t>(i) * Step) < Width;
+        return static_cast<std::uint16_t>(Fraction + static_cast<std::uint32_t>(i) * Step) < Width;
     }
     ORV_INLINE bool IsMetAnywhere() const {
-        const std::uint16_t fraction = Fraction, step = Step, width = Width;
-        std::uint16_t met = 0;
+        const std::uint16_t step = Step, width = Width;
+        std::uint16_t fraction = Fraction, met = 0;
         for (std::int32_t i = 0; i < Count; ++i) {
-            const auto moved = static_cast<std::uint16_t>(static_cast<std::uint16_t>(i) * step);
-            met = static_cast<std::uint16_t>(met | (static_cast<std::uint16_t>(fraction + moved) < width ? 1 : 0));
+            met = static_cast<std::uint16_t>(met | (fraction < width ? 1 : 0));
+            fraction = static_cast<std::uint16_t>(fraction + step);
         }
         return met != 0;
     }

@@ -54,14 +54,6 @@ int64_t ScanImageBinary(void *image1, void *image2, TArea area, int64_t density,
                                  {lineBeginCallback, lineEndCallback, privateData}};
     CAdaptorScanImageBinary adaptor = {};
     adaptor.Callback = pixelCallback;
-    adaptor.PrivateData = privateData;
-    adaptor.Image1 = Interface::GuardImage(image1, request.FunctionName);
-    if (!adaptor.Image1.IsValid())
-        return scanFailed;
-    adaptor.Image2 = Interface::GuardImage(image2, request.FunctionName);
-    if (!adaptor.Image2.IsValid())
-        return scanFailed;
-    adaptor.Dx = static_cast<std::int32_t>(dx);
-    adaptor.Dy = static_cast<std::int32_t>(dy);
-    return ScanTwoImages(request, adaptor, dx, dy);
+    return HoldImages(request, image1, image2, dx, dy, adaptor) ? ScanTwoImages(request, adaptor, dx, dy)
+                                                                : scanFailed;
 }

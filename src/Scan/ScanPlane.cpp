@@ -71,14 +71,7 @@ int64_t ScanPlaneBinary(void *image1, void *image2, intptr_t plane1, intptr_t pl
                                  {lineBeginCallback, lineEndCallback, privateData}};
     CAdaptorScanPlaneBinary adaptor = {};
     adaptor.Callback = pixelCallback;
-    adaptor.PrivateData = privateData;
-    adaptor.Image1 = Interface::GuardImage(image1, request.FunctionName);
-    if (!adaptor.Image1.IsValid())
-        return scanFailed;
-    adaptor.Image2 = Interface::GuardImage(image2, request.FunctionName);
-    if (!adaptor.Image2.IsValid())
-        return scanFailed;
-    adaptor.Dx = static_cast<std::int32_t>(dx);
-    adaptor.Dy = static_cast<std::int32_t>(dy);
-    return ScanTwoPlanes(request, adaptor, plane1, plane2, {dx, dy});
+    return HoldImages(request, image1, image2, dx, dy, adaptor)
+               ? ScanTwoPlanes(request, adaptor, plane1, plane2, {dx, dy})
+               : scanFailed;
 }

@@ -33,6 +33,19 @@ bool PrepareArea(pOLE::IImageVPA &image, ScanRequest &request);
 PixelBounds CommonBounds(const Image::Dimensions &first, const Image::Dimensions &second, std::int64_t dx,
                          std::int64_t dy, int behind);
 
+/// Takes what a scan over two images is told into its adaptor. False, with a report, when one of the handles is none.
+template <class Adaptor>
+bool HoldImages(const ScanRequest &request, void *image1, void *image2, std::int64_t dx, std::int64_t dy,
+                Adaptor &adaptor) {
+    adaptor.PrivateData = request.Lines.PrivateData;
+    adaptor.Dx = static_cast<std::int32_t>(dx);
+    adaptor.Dy = static_cast<std::int32_t>(dy);
+    adaptor.Image1 = Interface::GuardImage(image1, request.FunctionName);
+    if (adaptor.Image1.IsValid())
+        adaptor.Image2 = Interface::GuardImage(image2, request.FunctionName);
+    return adaptor.Image2.IsValid();
+}
+
 /// A walk without pixels: calls the line callbacks only.
 std::int64_t WalkLinesOnly(const ScanRequest &request);
 

@@ -1,5 +1,5 @@
 // The planes of an image as a stack, reduced pixel by pixel to two new images of one plane: what the reductions
-// share. ReducePlainly goes through the tables, one pixel after another; FoldPieces hands out pieces of rows as
+// share. ReducePlainly goes through the tables, one pixel after another; ReduceByPieces hands out pieces of rows as
 // arrays.
 #pragma once
 

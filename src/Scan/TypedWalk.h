@@ -98,10 +98,8 @@ private:
 
 namespace Scan {
 
-/// Walks over an area of a plane, in pixel coordinates.
-/// Result  as that of the exported scans; -1 also for no image, a plane out of range or of another pixel width than
-/// T,
-///         and a density below 1.
+/// Walks over an area of a plane, in pixel coordinates. Result: as that of the exported scans; -1 also for no image,
+/// a plane out of range or of another pixel width than T, and a density below 1.
 template <class T, class Op>
 std::int64_t TypedWalk(pOLE::IImageVPA *image, std::intptr_t plane, const TArea &area, std::int64_t density,
                        Op &operation) {

@@ -52,7 +52,7 @@ struct WalkPlan {
     FixedPoint LineStart(std::int64_t line) const;
 };
 
-/// density from 1 to 1000. Nothing for an area that is out of range: one that the told test of its bounding rectangle
+/// density from 1 to 1000. Nothing for an area that is out of range: one that the test of its bounding rectangle
 /// refuses, or with a corner that no position can hold.
 std::optional<WalkPlan> PlanWalk(const TArea &area, std::int64_t density);
 

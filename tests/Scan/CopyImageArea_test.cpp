@@ -150,6 +150,41 @@ TEST(CopyImageArea, CopiesLargeAreasOfEachTypeBetweenAllLayouts) {
     }
 }
 
+TEST(CopyImageArea, CopiesEachSampleOfALineThatLiesFarBehindTheArea) {
+    // Edges of nearly one direction: the second of two lines starts up to an edge's length behind P2.
+    const auto expectModelCopy = [](std::intptr_t width, const TArea &area, std::int64_t dx) {
+        SCOPED_TRACE(testing::Message() << "width " << width << ", by " << dx << ", area " << Told(area));
+        constexpr std::intptr_t height = 20;
+        const auto source = FakeImage::Planar(width, height, 1, 8), target = FakeImage::Planar(width, height, 1, 8),
+                   twin = FakeImage::Planar(width, height, 1, 8);
+        for (std::size_t i = 0; i < source->Pixels.size(); ++i)
+            source->Pixels[i] = static_cast<std::uint8_t>(1 + i % 251);
+        AreaCopy copy{source->Handle(),
+                      target->Handle(),
+                      0,
+                      0,
+                      static_cast<std::int64_t>(area.X0) + dx,
+                      static_cast<std::int64_t>(area.Y0),
+                      area};
+        const std::int32_t result = Copy(copy);
+        copy.Target = twin->Handle();
+        ASSERT_EQ(result, CopyByModel(copy));
+        ASSERT_EQ(target->Pixels, twin->Pixels);
+    };
+    expectModelCopy(1600, {0, 5, 1000, 6, 505, 5}, 0);
+    AreaRandom random(6);
+    for (int round = 0; round < 300; ++round) {
+        const std::int64_t length = random.Draw(100, 1000), second = random.Draw(length / 3, length);
+        TArea area{static_cast<double>(random.Draw(0, 9)), static_cast<double>(random.Draw(3, 15)), 0, 0, 0, 0};
+        area.X1 = area.X0 + static_cast<double>(length);
+        area.Y1 = area.Y0 + static_cast<double>(random.Draw(-2, 2));
+        area.X2 = area.X0 + static_cast<double>(second);
+        area.Y2 = area.Y0 + static_cast<double>(random.Draw(-1, 1));
+        ASSERT_NO_FATAL_FAILURE(expectModelCopy(random.Draw(length, 3 * length), area, random.Draw(-2, 2)))
+            << "round " << round;
+    }
+}
+
 TEST(CopyImageArea, WritesWhileItReadsWithinOneImage) {
     EXPECT_EQ(Show(Drawn(Letters)->Handle()), Letters);
     const auto image = Drawn(Letters);

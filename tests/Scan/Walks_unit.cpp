@@ -187,6 +187,28 @@ TEST(WalkPixelSets, LargeTurnedAreasVisitTheSamePixels) {
     EXPECT_GT(irregular, 10u);
 }
 
+/// Positions of so many samples leave 31 bits, and need all bits of a fraction in the search for holes.
+TEST(WalkPixelSets, SlantingLinesOfMoreThan32768SamplesVisitTheSamePixels) {
+    std::mt19937 random(6);
+    std::uniform_int_distribution<int> near(-40, 40), length(34000, 44999);
+    int sets = 0;
+    for (int number = 0; number < 40; ++number) {
+        const double y = 20.0 + near(random) / 4.0;
+        const TArea area = {
+            0.0, y, static_cast<double>(length(random)), y + near(random), near(random) / 8.0, y + near(random)};
+        const PixelBounds bounds = {0, 0, 44999, 40};
+        const auto plan = PlanWalk(area, 1000);
+        ASSERT_TRUE(plan.has_value());
+        Counter expected(bounds), visited(bounds);
+        const std::int64_t result = PlainWalk(*plan, bounds, expected);
+        ASSERT_EQ(VisitPixels(*plan, bounds, visited), result) << Describe(area, 1000, bounds, number);
+        ASSERT_TRUE(visited.Visits == expected.Visits) << Describe(area, 1000, bounds, number);
+        DigitalArea set;
+        sets += set.Build(*plan, bounds) ? 1 : 0;
+    }
+    EXPECT_GT(sets, 20);
+}
+
 void ExpectEqualWalks(const TArea &area, std::int64_t density, const PixelBounds &bounds, int number) {
     const auto plan = PlanWalk(area, density);
     ASSERT_TRUE(plan.has_value());
