@@ -15,11 +15,13 @@
 #include "ImageQueries.h"
 #include "ImageScan.h"
 #include "ImageStatistics.h"
+#include "ImageTransformations.h"
 #include "ImageViews.h"
 #include "InterfaceHandling.h"
 #include "Interfaces.h"
 #include "Matrices.h"
 #include "Overlays.h"
+#include "PolarTransformations.h"
 #include "RectangleCopy.h"
 #include "ValueMapping.h"
 

@@ -92,6 +92,17 @@ bool SilentObjectBoundary(Body &&body) {
     }
 }
 
+/// Functions that report all that is thrown alike. body() gives the result.
+template <class Body>
+bool GeneralBoundary(const char *functionName, Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (...) {
+        ReportORVError(ErrGeneral, functionName);
+        return false;
+    }
+}
+
 /// Functions that neither report nor let anything pass. body() gives the result, failure stands for an exception.
 template <class Result, class Body>
 Result SilentBoundary(Result failure, Body &&body) {

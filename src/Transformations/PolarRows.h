@@ -1,0 +1,40 @@
+// The positions of many pixels of a row at once, for rings that are unrolled and rolled up again. The same doubles as
+// pixel by pixel.
+#pragma once
+
+#include "Transformations/InversePolarRing.h"
+#include "Transformations/SixteenthSampling.h"
+
+namespace Transformations {
+
+/// Positions of neighbouring pixels.
+struct PolarPiece {
+    static constexpr std::intptr_t Capacity = 512;
+
+    alignas(64) double X[Capacity];
+    alignas(64) double Y[Capacity];
+    alignas(64) double Kept[Capacity]; ///< not 0 for pixels that stay as they are; not told unless some do
+    bool KeepsSome = false;
+};
+
+/// Works positions on a circle out.
+void FindPositions(const CirclePositions &positions, std::intptr_t count, double *x, double *y);
+
+/// Columns first to first + count - 1 of row y of the target, all of them in the ring.
+void FindInversePositions(const InversePolarRing &ring, std::intptr_t first, std::intptr_t y, std::intptr_t count,
+                          PolarPiece &piece);
+
+/// Columns from Begin up to, but not including End.
+struct ColumnRange {
+    std::intptr_t Begin;
+    std::intptr_t End;
+};
+
+/// The columns of row y between left and right that lie in the ring, left and right of its centre.
+struct RingColumns {
+    ColumnRange Left;
+    ColumnRange Right;
+};
+RingColumns FindRingColumns(const InversePolarRing &ring, std::intptr_t y, const ColumnRange &within);
+
+} // namespace Transformations
