@@ -48,6 +48,9 @@ void RegisterScans();
 void RegisterStatistics();
 void RegisterMappings();
 void RegisterColors();
+void RegisterAffine();
+void RegisterArbitrary();
+void RegisterPolar();
 
 } // namespace Bench
 

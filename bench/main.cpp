@@ -20,6 +20,9 @@ int main(int count, char **arguments) {
     Bench::RegisterStatistics();
     Bench::RegisterMappings();
     Bench::RegisterColors();
+    Bench::RegisterAffine();
+    Bench::RegisterArbitrary();
+    Bench::RegisterPolar();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::filesystem::remove_all(folder);
