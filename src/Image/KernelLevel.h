@@ -1,5 +1,5 @@
-// The instruction set levels that inner loops are compiled for, and the one choice among them. A loop is written once,
-// in plain C++, and compiled for each level; all levels give the same bytes. A test can list and force each.
+// The instruction set levels that inner loops are compiled for, and the one choice among them. A loop is written
+// once, in plain C++, and compiled for each level; all levels give the same bytes. A test can list and force each.
 #pragma once
 
 #include <span>
@@ -28,7 +28,7 @@ public:
 #if defined(__clang__)
 #define ORV_TARGET_AVX512 __attribute__((target("avx2,avx512f,avx512bw,avx512vl,avx512dq"), noinline))
 #else
-#define ORV_TARGET_AVX512                                                                                             \
+#define ORV_TARGET_AVX512                                                                                            \
     __attribute__((target("avx2,avx512f,avx512bw,avx512vl,avx512dq,prefer-vector-width=512"), noinline))
 #endif
 

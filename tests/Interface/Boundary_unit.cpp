@@ -120,6 +120,17 @@ TEST_F(BoundaryPatterns, SilentObjectTakesTreeExceptionsOnly) {
     EXPECT_EQ(ReportCount(), 0);
 }
 
+TEST_F(BoundaryPatterns, GeneralPassesTheResultOnAndReportsAllThatIsThrownAlike) {
+    EXPECT_TRUE(Interface::GeneralBoundary(Name, [] { return true; }));
+    EXPECT_FALSE(Interface::GeneralBoundary(Name, [] { return false; }));
+    EXPECT_EQ(ReportCount(), 0);
+    EXPECT_FALSE(Interface::GeneralBoundary(Name, []() -> bool { throw CImageKernelException(ErrPlaneIndex); }));
+    ExpectReport(ErrGeneral, Composed(1));
+    ClearReports();
+    EXPECT_FALSE(Interface::GeneralBoundary(Name, []() -> bool { throw 1; }));
+    ExpectReport(ErrGeneral, Composed(1));
+}
+
 TEST_F(BoundaryPatterns, SilentGivesTheFailureValueForAnything) {
     EXPECT_EQ(Interface::SilentBoundary(5, [] { return 3; }), 3);
     EXPECT_EQ(Interface::SilentBoundary(5, []() -> int { throw 1; }), 5);
