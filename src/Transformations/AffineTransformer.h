@@ -36,7 +36,7 @@ private:
     AffineRow RowOf(std::intptr_t y) const {
         const TMatrix &matrix = map_.Matrix;
         const double row = static_cast<double>(y);
-        return {matrix.A11, matrix.A21, row * matrix.A12 + map_.X, row * matrix.A22 + map_.Y};
+        return {matrix.A11, matrix.A21, row * matrix.A12, row * matrix.A22, map_.X, map_.Y};
     }
 
     TCoordinateMap map_;

@@ -163,7 +163,8 @@ private:
     }
 };
 
-/// Each pixel through the map from the result to the source: fixed-point numbers for 8 and 16 bits, else doubles.
+/// Each pixel through the map from the result to the source: fixed-point numbers for 8 and 16 bits, else doubles, the
+/// terms of the row summed first.
 inline std::vector<PlaneBytes> ModelAffinePixels(const ModelSource &source, std::intptr_t width, std::intptr_t height,
                                                  const TCoordinateMap &map) {
     const ModelTable table(map, std::max(width, height));
@@ -174,8 +175,8 @@ inline std::vector<PlaneBytes> ModelAffinePixels(const ModelSource &source, std:
             return sx && sy ? SampleFixed(plane, *sx >> 4, *sy >> 4) : FixedOutside<T>();
         } else {
             const auto i = static_cast<double>(x), j = static_cast<double>(y);
-            return SampleReal(plane, i * map.Matrix.A11 + (j * map.Matrix.A12 + map.X),
-                              i * map.Matrix.A21 + (j * map.Matrix.A22 + map.Y));
+            return SampleReal(plane, i * map.Matrix.A11 + j * map.Matrix.A12 + map.X,
+                              i * map.Matrix.A21 + j * map.Matrix.A22 + map.Y);
         }
     });
 }
