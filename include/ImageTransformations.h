@@ -4,8 +4,8 @@
  * Sampling  of 8-bit and 16-bit pixels under an affine map: positions with 8 fractional bits, of which 4 weigh the
  *           four pixels. All other pixels, and all under a callback: positions and weights in double; integers
  *           store trunc(s + 0.5).
- * Edges     a position counts as inside from above -1 (from 0 where positions have 4 fractional bits) to below
- *           width and height; the last column and row are their own neighbours.
+ * Edges     a position counts as inside from above -1 (from about -1/32 where positions have 8 fractional bits) to
+ *           below width and height; the last column and row are their own neighbours.
  * Outside   pixels whose position lies outside, is no number or does not fit 32 bits get a fixed value: under a
  *           callback, and under an affine map where pixels are sampled in double, 127 (8 bits), 32767 (16),
  *           0x7FFFFFFF (32) and 0x7FFFFFFFFFFFFFFF (64) for unsigned and 0 for signed and float pixels; under an
@@ -58,6 +58,8 @@ ORV_API bool CreateSubImage(void *image, void **out, TArea area);
  *          P1: an area of SetRectArea comes out transposed. Two equal points report ErrParameter "Zero sized areas
  *          cannot be processed"; edges in one direction ErrSingularArea.
  *  Size    trunc(L + 1.5) each, L being the length of the edge in the units of area.
+ *          Each step is the edge and 1 in both coordinates, divided by the length and 1: the far corner of a turned
+ *          area lies up to a few pixels beside P1 + P2 - P0.
  *  Result  true; false with a report: ErrNotAnImage, those above, and those of CreateTransformedImage under its
  *          name. */
 ORV_API bool CreateAreaSubImage(void *image, void **out, TArea area);

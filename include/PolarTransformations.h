@@ -31,6 +31,7 @@ ORV_API bool CreatePolarImage(void *image, void **out, double centreX, double ce
 /** Writes an unrolled ring into a ring of an image of the caller's.
  *  angleStart   turns the other way round than in CreatePolarImageEx.
  *  innerRadius  the outer one is innerRadius + height - 2 of the unrolled image.
+ *  Sectors      of less than a whole turn are spread over a larger angle than they were taken from.
  *  Planes       of the two images whose data types differ are left alone. Pixels outside the ring keep their value.
  *               Pixels of the ring beyond a sector keep it or get the outside value, by the side of the sector they
  *               lie on.
