@@ -21,9 +21,10 @@ public:
     }
     int Print() const {
         if (failed == 0)
-            std::printf("\nAll %d proofs hold: every view shows the caller's own pixels, and every walk and mapping "
-                        "gives what a plain count gives.\n",
-                        held);
+            std::printf(
+                "\nAll %d proofs hold: every view shows the caller's own pixels, every walk and mapping gives "
+                "what a plain count gives, and every transform shows the places that it should.\n",
+                held);
         else
             std::printf("\nFAILED: %d of %d proofs do not hold.\n", failed, held + failed);
         return failed == 0 && held > 0 ? 0 : 1;

@@ -1,13 +1,14 @@
 // The first job on a real file: load a bitmap, look at it through its tables, turn, join, cut, shrink, split and
-// overlay it without moving a pixel, walk over it, map its values, write all of it again. Usage: first_picture
-// [FILE.bmp ...]; without a file it draws a scene of its own. Pictures go to the folder "out". The exit code is 0
-// only when every proof holds.
+// overlay it without moving a pixel, walk over it, map its values, turn it straight, write all of it again. Usage:
+// first_picture [FILE.bmp ...]; without a file it draws a scene of its own. Pictures go to the folder "out". The
+// exit code is 0 only when every proof holds.
 #include "composition_proofs.h"
 #include "demo_report.h"
 #include "gallery.h"
 #include "png_writer.h"
 #include "proofs.h"
 #include "scan_job.h"
+#include "transform_job.h"
 
 #include <exception>
 #include <stdexcept>
@@ -150,6 +151,7 @@ void RunJob(const std::filesystem::path &file, const Scene *scene, bool drawsGal
                     verdict.Note(WritePng((outFolder / "gallery.png").string(),
                                           DrawGallery(source.Get(), views, made).Get())));
     RunScans(source.Get(), scene, stem, drawsGallery, verdict);
+    RunTransforms(source.Get(), scene, stem, drawsGallery, verdict);
     GiveBack(source, views, made, buffer, verdict);
 }
 

@@ -34,8 +34,10 @@ double MeanOfRing(const TPlaneRec &plane, Point place, double from, double to) {
     return sum / count;
 }
 
-/// The centre of gravity of a mark. Halfway between the board and the mark a pixel counts half; a quarter of the way
-/// above or below it counts whole or not at all, so that neither light nor noise pulls the centre aside.
+} // namespace
+
+// Halfway between the board and the mark a pixel counts half; a quarter of the way above or below it counts whole or
+// not at all, so that neither light nor noise pulls the centre aside.
 Point MeasureMark(const TPlaneRec &plane, Point expected, double radius) {
     const double board = MeanOfRing(plane, expected, radius + 4.0, radius + 7.0);
     const double contrast = MeanOfRing(plane, expected, 0.0, radius / 2.0) - board;
@@ -53,8 +55,6 @@ Point MeasureMark(const TPlaneRec &plane, Point expected, double radius) {
         }
     return {sumX / mass, sumY / mass};
 }
-
-} // namespace
 
 bool SamePixels(void *first, void *second) {
     const intptr_t planes = ImageDimension(first);

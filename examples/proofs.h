@@ -16,6 +16,9 @@ bool WriteShowsInSource(const View &view, void *source, const CallersBuffer &buf
 /// Writes an image as a bitmap, loads the file again and compares all pixels.
 bool FileHolds(void *image, const std::string &path);
 
+/// The centre of gravity of a mark, as it is found in the pixels. expected  no further away than a few pixels.
+Point MeasureMark(const TPlaneRec &plane, Point expected, double radius);
+
 /// Measures the centre of each mark that lies whole in the view, through the view's own table, and gives the largest
 /// distance in pixels from where it was drawn.
 double LargestMarkError(const View &view, const std::vector<Mark> &marks);

@@ -90,7 +90,8 @@ void ProveLine(Job &job, const WalkPlaces &places) {
     std::printf("    each at its table's address: %s; on the line: %s; without a gap: %s; ImageHistogram counts the "
                 "same: %s\n",
                 job.Note(NotesTheTablesPixels(walk, grey)),
-                job.Note(CountsItsLines(walk) && walk.lines.size() == 1 && StaysInArea(walk, grey, places.line)),
+                job.Note(CountsItsLines(walk) && walk.lines.size() == 1 &&
+                         StaysInArea(walk, grey, places.line, places.density)),
                 job.Note(HasNoGap(walk, places.density)),
                 job.Note(HistogramCountsTheWalk(walk, grey, places.line, places.density)));
     std::printf("    led on beyond the picture, it tells by its sign that it was clipped: %s\n",
@@ -108,8 +109,8 @@ void ProveArea(Job &job, const WalkPlaces &places) {
                 static_cast<long long>(walk.result));
     std::printf("    each at its table's address: %s; in the area: %s; lines counted down: %s; ImageHistogram counts "
                 "the same: %s\n",
-                job.Note(NotesTheTablesPixels(walk, grey)), job.Note(StaysInArea(walk, grey, places.area)),
-                job.Note(CountsItsLines(walk)),
+                job.Note(NotesTheTablesPixels(walk, grey)),
+                job.Note(StaysInArea(walk, grey, places.area, places.density)), job.Note(CountsItsLines(walk)),
                 job.Note(HistogramCountsTheWalk(walk, grey, places.area, places.density)));
     const Profile profile = AcrossTheLines(grey, walk);
     if (job.scene != nullptr)

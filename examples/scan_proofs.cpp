@@ -90,13 +90,14 @@ bool CountsItsLines(const PlaneWalk &walk) {
     return !walk.lines.empty();
 }
 
-bool StaysInArea(const PlaneWalk &walk, void *image, const TArea &area) {
+bool StaysInArea(const PlaneWalk &walk, void *image, const TArea &area, int64_t density) {
+    const double beside = 1.5 + 500.0 / static_cast<double>(density);
     for (const WalkedLine &line : walk.lines)
         for (const Sample &sample : line.samples) {
             Point place{};
             PixelToImage(image, &place.x, &place.y, sample.x, sample.y);
-            if (place.x < area.X0 - 2.0 || place.x > area.X1 + 2.0 || place.y < area.Y0 - 2.0 ||
-                place.y > area.Y2 + 2.0)
+            if (place.x < area.X0 - beside || place.x > area.X1 + beside || place.y < area.Y0 - beside ||
+                place.y > area.Y2 + beside)
                 return false;
         }
     return true;

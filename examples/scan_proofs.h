@@ -9,8 +9,9 @@
 bool NotesTheTablesPixels(const PlaneWalk &walk, void *image);
 /// Each line is begun and ended once, with the number of lines left.
 bool CountsItsLines(const PlaneWalk &walk);
-/// All samples lie in the area or less than two pixels beside it.
-bool StaysInArea(const PlaneWalk &walk, void *image, const TArea &area);
+/// All samples lie in the area or close beside it: the number of lines is rounded, so that the last one may lie half
+/// a step beyond, and corners and samples are rounded to pixels.
+bool StaysInArea(const PlaneWalk &walk, void *image, const TArea &area, int64_t density);
 /// The first line has its samples one step apart, from one of its ends to the other.
 bool HasNoGap(const PlaneWalk &walk, int64_t density);
 /// ImageHistogram over the area counts the pixels that the walk came by.
