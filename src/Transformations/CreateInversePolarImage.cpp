@@ -30,8 +30,10 @@ void FillPlane(pOLE::IImageVPA &image, const TArea &area, std::intptr_t plane) {
     image.GetPlaneDatatype(0, &firstType);
     double value = 0.0;
     Scan::ForPixelType(type, [&]<class T>() {
-        const T background = AffineOutsideValue<T>();
-        value = static_cast<double>(background);
+        value = static_cast<double>(AffineOutsideValue<T>());
+        T background = static_cast<T>(0);
+        if constexpr (std::is_integral_v<T>)
+            background = orvBase::TruncateTo<T>(value); // as the fill below stores it
         // The fill below leaves planes alone whose pixels are not as wide as those of plane 0.
         Image::PlaneFacts facts;
         if (Image::BytesOf(type) != Image::BytesOf(firstType) && Image::ReadPlaneFacts(image, plane, facts)) {

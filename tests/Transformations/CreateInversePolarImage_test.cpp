@@ -181,6 +181,24 @@ TEST(CreateInversePolarImage, RollsUpPlanesOfOtherWidthsAsWell) {
     }
 }
 
+TEST(CreateInversePolarImage, GivesPlanesOfOtherWidthsTheSameBackgroundAsImagesOfOneType) {
+    const std::vector<TDataType> types{0x8, 0x40, 0x10, 0x220};
+    std::vector<PlaneBytes> content;
+    for (const TDataType type : types)
+        content.push_back(RandomPlanes(40 * 6, 1, type, type, Content::Tame)[0]);
+    const auto polar = MixedImage(40, 6, types, content);
+    Handle result;
+    ASSERT_TRUE(CreateInversePolarImage(polar->Handle(), result.Out(), 0, 10));
+    const auto corner = [&](std::intptr_t plane, auto value) {
+        std::memcpy(&value, AccessOf(result.Get(), plane).At(0, 0), sizeof value);
+        return value;
+    };
+    EXPECT_EQ(corner(0, std::uint8_t{}), 127u);
+    EXPECT_EQ(corner(1, std::uint64_t{}), std::uint64_t{1} << 63);
+    EXPECT_EQ(corner(2, std::uint16_t{}), 32767u);
+    EXPECT_EQ(corner(3, 1.0F), 0.0F);
+}
+
 TEST(CreateInversePolarImage, GivesTheIdentityAsCoordinateSystemAndLeavesTheSourceAlone) {
     const auto polar = FakeImage::Planar(30, 4, 1, 0x8);
     polar->Coordinates = SkewedMap;
