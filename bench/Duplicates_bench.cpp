@@ -21,21 +21,6 @@ Body Duplicate(const ImageHandle &image) {
     };
 }
 
-Body CopyIntoFreshBlock(const cv::Mat &pixels) {
-    return [pixels](benchmark::State &state) {
-        auto bytes = pixels.total() * pixels.elemSize();
-        for (auto _ : state) {
-            void *block = std::malloc(bytes);
-            if (!block)
-                return state.SkipWithError("no memory");
-            std::memcpy(block, pixels.data, bytes);
-            benchmark::DoNotOptimize(block);
-            benchmark::ClobberMemory();
-            std::free(block);
-        }
-    };
-}
-
 Body RotateIntoFreshImage(const cv::Mat &pixels, int code) {
     return [=](benchmark::State &state) {
         for (auto _ : state) {

@@ -109,4 +109,19 @@ void RequireSamePixels(void *image, const cv::Mat &pixels, const std::string &ro
     Require(isSame, "equal pixels on both sides: " + row);
 }
 
+Body CopyIntoFreshBlock(const cv::Mat &pixels) {
+    return [pixels](benchmark::State &state) {
+        auto bytes = pixels.total() * pixels.elemSize();
+        for (auto _ : state) {
+            void *block = std::malloc(bytes);
+            if (!block)
+                return state.SkipWithError("no memory");
+            std::memcpy(block, pixels.data, bytes);
+            benchmark::DoNotOptimize(block);
+            benchmark::ClobberMemory();
+            std::free(block);
+        }
+    };
+}
+
 } // namespace Bench

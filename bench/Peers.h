@@ -39,6 +39,9 @@ void RequireSamePixels(void *image, const cv::Mat &pixels, const std::string &ro
 /// Ends the program with a message when something that the rows are built on fails.
 void Require(bool success, const std::string &what);
 
+/// Copies the pixels into a block of malloc and frees it.
+Body CopyIntoFreshBlock(const cv::Mat &pixels);
+
 void RegisterHandles();
 void RegisterViews();
 void RegisterDuplicates();

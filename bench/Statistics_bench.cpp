@@ -145,21 +145,6 @@ Body MakeOverlay(const ImageHandle &image) {
     };
 }
 
-Body CopyIntoFreshBlock(const cv::Mat &pixels) {
-    return [pixels](benchmark::State &state) {
-        auto bytes = pixels.total() * pixels.elemSize();
-        for (auto _ : state) {
-            void *block = std::malloc(bytes);
-            if (!block)
-                return state.SkipWithError("no memory");
-            std::memcpy(block, pixels.data, bytes);
-            benchmark::DoNotOptimize(block);
-            benchmark::ClobberMemory();
-            std::free(block);
-        }
-    };
-}
-
 void RegisterOverlay(const std::string &form, const ImageHandle &image, const cv::Mat &pixels) {
     auto row = "CreateOverlayImage, " + form + " / malloc and memcpy";
     void *copy = nullptr;
