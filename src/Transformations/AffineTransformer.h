@@ -67,7 +67,7 @@ public:
     /// Fills a plane, as large as the table is made for, from the selected one.
     void Transform(const Image::PlaneView &target) const {
         const RowFinish finish = this->Interpolator.OverlayFlag ? RowFinish::CopyOverlayBits : RowFinish::None;
-        TransformFixedPoint<T>({View(), this->Interpolator.OutsideValue, finish,
+        TransformFixedPoint<T>({SourceViewOf<T>(this->Interpolator), this->Interpolator.OutsideValue, finish,
                                 [this](std::intptr_t x, std::intptr_t y) { return Sample(x, y); }},
                                this->TransTable, target);
     }
@@ -91,14 +91,6 @@ public:
             return this->Interpolator.OutsideValue;
         const auto sx = static_cast<std::int32_t>(position.X), sy = static_cast<std::int32_t>(position.Y);
         return this->Interpolator.Sample(sx >> 8, sy >> 8, (sx >> 4) & 15, (sy >> 4) & 15);
-    }
-
-private:
-    Image::PlaneView View() const {
-        const I &source = this->Interpolator;
-        const Image::PlaneFacts facts = {source.SourceBase, const_cast<VPAEntry *>(source.SourceTable),
-                                         8 * sizeof(T)};
-        return Image::ViewOf(facts, {source.SourcePlanes, source.SourceWidth, source.SourceHeight});
     }
 };
 

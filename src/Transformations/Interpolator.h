@@ -102,6 +102,13 @@ bool CBaseInterpolator<T>::SelectPlane(std::intptr_t plane) {
     return true;
 }
 
+/// The selected plane, with one look at its table.
+template <class T>
+Image::PlaneView SourceViewOf(const CBaseInterpolator<T> &source) {
+    const Image::PlaneFacts facts = {source.SourceBase, const_cast<VPAEntry *>(source.SourceTable), 8 * sizeof(T)};
+    return Image::ViewOf(facts, {source.SourcePlanes, source.SourceWidth, source.SourceHeight});
+}
+
 /// Samples at real positions.
 template <class T, class Position>
 class CLinearInterpolator;

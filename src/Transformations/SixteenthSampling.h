@@ -25,13 +25,6 @@ struct CirclePositions {
     }
 };
 
-/// The selected plane of an interpolator.
-template <class T>
-Image::PlaneView SourceViewOf(const CBaseInterpolator<T> &source) {
-    const Image::PlaneFacts facts = {source.SourceBase, const_cast<VPAEntry *>(source.SourceTable), 8 * sizeof(T)};
-    return Image::ViewOf(facts, {source.SourcePlanes, source.SourceWidth, source.SourceHeight});
-}
-
 /// Samples the selected plane of an interpolator, which must outlive this and stay as it is.
 template <class T>
 class SixteenthSampling {
