@@ -3,6 +3,7 @@
 
 #include "AreaOperations.h"
 #include "Image/PlaneCopy.h"
+#include "Scan/ImagePlanes.h"
 #include "Scan/PixelRows.h"
 #include "Scan/PixelSet.h"
 #include "Scan/PixelType.h"
@@ -123,10 +124,6 @@ std::int32_t Refuse(std::uint32_t code) {
 /// From the rounded corner of the area to the target position, wrapping.
 std::int64_t Offset(std::int64_t target, double corner) {
     return Advance(target, -1, orvBase::TruncateTo<std::int64_t>(std::floor(corner + 0.5)));
-}
-
-bool HasPlane(const Image::Dimensions &size, std::intptr_t plane) {
-    return plane >= 0 && plane < size.Planes;
 }
 
 } // namespace

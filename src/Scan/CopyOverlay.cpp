@@ -10,7 +10,6 @@ namespace Scan {
 namespace {
 
 constexpr const char *FunctionName = "CopyOverlay";
-constexpr std::uint32_t SomePlanesLeftOut = 1;
 
 int32_t Fail(std::uint32_t code) {
     ReportORVError(code, FunctionName);

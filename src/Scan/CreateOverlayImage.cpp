@@ -11,7 +11,6 @@ namespace Scan {
 namespace {
 
 constexpr const char *FunctionName = "CreateOverlayImage";
-constexpr std::uint32_t SomePlanesLeftOut = 1;
 
 using Views = std::vector<Image::PlaneView>;
 

@@ -4,6 +4,7 @@
 #include "ImageCoordinates.h"
 #include "ImageStatistics.h"
 #include "Scan/Histogram.h"
+#include "Scan/ImagePlanes.h"
 #include "Scan/TypedWalk.h"
 
 namespace Scan {
@@ -30,7 +31,7 @@ int32_t ImageHistogram(void *image, intptr_t plane, TArea area, int64_t density,
         return 0;
     if (histogram == nullptr)
         return Refuse(ErrParameter);
-    if (plane < 0 || plane >= Image::DimensionsOf(*held.Get()).Planes)
+    if (!HasPlane(Image::DimensionsOf(*held.Get()), plane))
         return Refuse(ErrPlaneIndex);
     TDataType type = 0;
     if (held->GetPlaneDatatype(plane, &type) != Interface::StatusOk)

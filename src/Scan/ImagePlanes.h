@@ -9,6 +9,10 @@ inline bool HasPixels(const Image::Dimensions &size) {
     return size.Width > 0 && size.Height > 0;
 }
 
+inline bool HasPlane(const Image::Dimensions &size, std::intptr_t plane) {
+    return plane >= 0 && plane < size.Planes;
+}
+
 /// What the image tells about its planes; of an image without a pixel the data types only. False when it refuses.
 inline bool ReadPlanes(pOLE::IImageVPA &image, const Image::Dimensions &size, std::vector<Image::PlaneFacts> &facts) {
     if (HasPixels(size))

@@ -1,5 +1,6 @@
 // Filling an area of a plane with one value. The data type of plane 0 says how the value is stored.
 #include "AreaOperations.h"
+#include "Scan/ImagePlanes.h"
 #include "Scan/PixelType.h"
 #include "Scan/SetPixel.h"
 #include "Scan/TypedWalk.h"
@@ -89,8 +90,7 @@ std::int32_t FillArea(void *handle, const FillRequest<Value> &request) {
     const Interface::ImageForCall image = Interface::GuardCall(handle, request.FunctionName);
     if (!image.IsValid())
         return 0;
-    const Image::Dimensions size = Image::DimensionsOf(*image.Get());
-    if (request.Plane < 0 || request.Plane >= size.Planes)
+    if (!HasPlane(Image::DimensionsOf(*image.Get()), request.Plane))
         return Refuse(ErrPlaneIndex, request.FunctionName);
     // Required: the type of plane 0 decides, whichever plane is filled.
     TDataType type = 0;

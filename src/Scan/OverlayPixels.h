@@ -12,6 +12,9 @@ constexpr bool CanHoldOverlay(TDataType type) {
     return (type & DataTypeFloat) == 0 && PixelTypeOf(type) != PixelType::Unsupported;
 }
 
+/// Reported last by an operation that left out planes and did others: no failure.
+inline constexpr std::uint32_t SomePlanesLeftOut = 1;
+
 /// Runs operation.operator()<T>() with the unsigned type of a width of 1, 2, 4 or 8 bytes: a bit is the same bit in
 /// signed pixels.
 template <class Operation>

@@ -1,12 +1,9 @@
 // Scans over single planes, with the caller's callbacks.
+#include "Scan/ImagePlanes.h"
 #include "Scan/ScanRequest.h"
 
 namespace Scan {
 namespace {
-
-bool HasPlane(const Image::Dimensions &size, std::intptr_t plane) {
-    return plane >= 0 && plane < size.Planes;
-}
 
 std::int64_t ScanOnePlane(ScanRequest request, Interface::ImageHolder image, std::intptr_t plane,
                           TScanPlaneUnaryCallback callback) {
