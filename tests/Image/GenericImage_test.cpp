@@ -215,3 +215,22 @@ TEST(CreateGenericImage, NeverPairsTrueWithNothingForEmptySeparatePlanes) {
 }
 
 } // namespace
+
+TEST(CreateGenericImageDT, ReachesEachOfManyPlanes) {
+    constexpr std::intptr_t planes = 100;
+    Handle image;
+    ASSERT_TRUE(CreateGenericImageDT(planes, 3, 2, 0x10, image.Out()));
+    for (std::intptr_t plane = planes - 1; plane >= 0; --plane) {
+        const std::uint16_t value = static_cast<std::uint16_t>(1000 + plane);
+        std::memcpy(AccessOf(image.Get(), plane).At(2, 1), &value, sizeof value);
+    }
+    for (std::intptr_t plane = 0; plane < planes; ++plane) {
+        std::uint16_t value = 0;
+        std::memcpy(&value, AccessOf(image.Get(), plane).At(2, 1), sizeof value);
+        EXPECT_EQ(value, 1000 + plane);
+    }
+    EXPECT_EQ(TypeOf(image.Get(), planes - 1), 0x10u);
+    TDataType type = 0;
+    for (const std::intptr_t none : {std::intptr_t{-1}, planes, planes + 1})
+        EXPECT_NE(ImageInterface(image.Get())->GetPlaneDatatype(none, &type), 0) << none;
+}

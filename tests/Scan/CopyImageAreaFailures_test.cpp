@@ -154,3 +154,13 @@ TEST(CopyImageArea, ReadsAndWritesNothingOutsideThePixels) {
             }
         }
 }
+
+TEST(CopyImageAreaFailures, DataTypesAreComparedAndLookedAtBeforeTables) {
+    const auto bytes = FakeImage::Planar(5, 4, 1, 8), words = FakeImage::Planar(5, 4, 1, 0x10),
+               triples = FakeImage::Planar(5, 4, 1, 0x18);
+    for (const auto *image : {&bytes, &words, &triples})
+        (*image)->Fails.VPAStatus = StatusBadPlane;
+    ExpectFailure(bytes->Handle(), words->Handle(), 0, 0, ErrNotPossible);
+    ExpectFailure(triples->Handle(), triples->Handle(), 0, 0, ErrDataType);
+    ExpectFailure(bytes->Handle(), bytes->Handle(), 0, 0, ErrGeneral);
+}
