@@ -214,8 +214,6 @@ TEST(CreateGenericImage, NeverPairsTrueWithNothingForEmptySeparatePlanes) {
     }
 }
 
-} // namespace
-
 TEST(CreateGenericImageDT, ReachesEachOfManyPlanes) {
     constexpr std::intptr_t planes = 100;
     Handle image;
@@ -234,3 +232,5 @@ TEST(CreateGenericImageDT, ReachesEachOfManyPlanes) {
     for (const std::intptr_t none : {std::intptr_t{-1}, planes, planes + 1})
         EXPECT_NE(ImageInterface(image.Get())->GetPlaneDatatype(none, &type), 0) << none;
 }
+
+} // namespace
