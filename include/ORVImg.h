@@ -6,6 +6,7 @@
 
 #include "AreaOperations.h"
 #include "ColorTransforms.h"
+#include "Drawing.h"
 #include "ErrorHandling.h"
 #include "ImageCoordinates.h"
 #include "ImageCopies.h"
@@ -21,6 +22,7 @@
 #include "Interfaces.h"
 #include "Matrices.h"
 #include "Overlays.h"
+#include "PixelList/Pixel.h"
 #include "PolarTransformations.h"
 #include "RectangleCopy.h"
 #include "ValueMapping.h"

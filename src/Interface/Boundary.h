@@ -92,15 +92,19 @@ bool SilentObjectBoundary(Body &&body) {
     }
 }
 
-/// Functions that report all that is thrown alike. body() gives the result.
-template <class Body>
-bool GeneralBoundary(const char *functionName, Body &&body) {
+/// Functions that report all that is thrown alike. body() gives the result, failure stands for an exception.
+template <class Result, class Body>
+Result GeneralBoundary(const char *functionName, Result failure, Body &&body) {
     try {
         return std::forward<Body>(body)();
     } catch (...) {
         ReportORVError(ErrGeneral, functionName);
-        return false;
+        return failure;
     }
+}
+template <class Body>
+bool GeneralBoundary(const char *functionName, Body &&body) {
+    return GeneralBoundary(functionName, false, std::forward<Body>(body));
 }
 
 /// Functions that neither report nor let anything pass. body() gives the result, failure stands for an exception.

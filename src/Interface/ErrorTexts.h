@@ -22,4 +22,19 @@ inline constexpr char UnknownNormalizationMode[] = "Unknown Normalization Mode s
 inline constexpr char EmptyTargetImage[] =
     "Operation failed because target image would have width and/or height of 0";
 
+inline constexpr char NegativeIndex[] = "Negative indices are not allowed";
+inline constexpr char IndexTooHigh[] = "Index too high or object invalid";
+inline constexpr char ListDimensionsDiffer[] = "Pixel list dimensions do not match";
+inline constexpr char DimensionTooLow[] = "Dimension too low";
+inline constexpr char DimensionTooHigh[] = "Dimension too high";
+inline constexpr char DimensionOutOfRange[] = "Pixel list dimension is either too high or too low";
+inline constexpr char NotEnoughPixels[] = "Not enough pixels in pixel list";
+inline constexpr char PixelDataInaccessible[] = "Access violation during access to input pixel data";
+inline constexpr char NoOutputImage[] = "Unable to create output image";
+inline constexpr char RectangleOutside[] = "Specified rectangle lies completely outside the image";
+inline constexpr char NoProjectionVector[] = "projection vector missing";
+inline constexpr char SeparationNotPositive[] = "separation must be positive";
+inline constexpr char SeparationDimension[] = "pixel list needs at least dimension 2";
+inline constexpr char UnsupportedAntiAlias[] = "Unsupported anti-alias mode";
+
 } // namespace Interface::ErrorTexts

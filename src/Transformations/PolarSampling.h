@@ -21,7 +21,7 @@ public:
 
     void Rectangle(std::int32_t left, std::int32_t top, std::int64_t width, std::int64_t height) {
         // Strips as wide that what neighbouring rows of them read of the source stays at hand.
-        constexpr std::int64_t stripWidth = 256;
+        constexpr std::int64_t stripWidth = 128;
         const ColumnRange all = {left, left + width};
         std::vector<RingColumns> rows;
         for (std::int64_t y = 0; y < height; ++y)
