@@ -1,5 +1,6 @@
 #include "Transformations/ThreePlanes.h"
 
+#include <algorithm>
 #include <array>
 
 #include "Scan/ThreeBytePixels.h"
@@ -32,12 +33,25 @@ private:
     std::array<ByteTransformer, 3> planes_;
 };
 
+/// Rows of three bytes take what lies behind the last column and row from one plane's table: the others must lead to
+/// their own bytes of the same pixels there.
+bool HaveEqualEdges(std::span<const Image::PlaneView> planes) {
+    const auto width = planes[0].Width, height = planes[0].Height;
+    const auto column = [=](const Image::PlaneView &plane) {
+        return plane.Columns[width].XEntry - plane.Columns[0].XEntry;
+    };
+    const auto row = [=](const Image::PlaneView &plane) { return plane.Rows[height].YEntry - plane.Rows[0].YEntry; };
+    return std::all_of(planes.begin(), planes.end(), [&](const Image::PlaneView &plane) {
+        return column(plane) == column(planes[0]) && row(plane) == row(planes[0]);
+    });
+}
+
 } // namespace
 
 bool TransformThreeBytes(const ThreePlaneSource &image, std::span<const Image::PlaneView> source,
                          std::span<const Image::PlaneView> target) {
     const auto from = Scan::AsThreeBytePixels(source), to = Scan::AsThreeBytePixels(target);
-    if (!from || !to)
+    if (!from || !to || !HaveEqualEdges(source))
         return false;
     const auto &order = from->PlaneOfByte;
     const bool isReversed = order[0] == to->PlaneOfByte[2] && order[2] == to->PlaneOfByte[0];

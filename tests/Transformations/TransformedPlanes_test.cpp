@@ -57,6 +57,47 @@ TEST_P(TransformedImageOfEachType, EqualsTheModelForRandomPositions) {
     });
 }
 
+/// One plane of another image, over the same memory and guard entries.
+std::unique_ptr<FakeImage> PlaneAlone(FakeImage &image, std::size_t plane, const ImageSize &size) {
+    auto alone = std::make_unique<FakeImage>(size.Width, size.Height);
+    alone->AddPlane(
+        image.BaseOf(plane), 8, [&](std::intptr_t x) { return image.TableOf(plane)[x].XEntry; },
+        [&](std::intptr_t y) { return image.TableOf(plane)[y].YEntry; });
+    for (std::intptr_t guard = 0; guard < 4; ++guard) {
+        alone->TableOf(0)[size.Width + guard].XEntry = image.TableOf(plane)[size.Width + guard].XEntry;
+        alone->TableOf(0)[size.Height + guard].YEntry = image.TableOf(plane)[size.Height + guard].YEntry;
+    }
+    return alone;
+}
+
+TEST(CreateMatrixTransformedImage, ReadsBehindTheEdgeByTheTableOfEachPlane) {
+    constexpr ImageSize size = {3, 9, 7};
+    for (const bool isColumn : {true, false})
+        for (std::size_t odd = 0; odd < 3; ++odd) {
+            FakeImage image(size.Width, size.Height, 3 * 9 * 7);
+            std::mt19937 random(7);
+            for (auto &pixel : image.Pixels)
+                pixel = static_cast<std::uint8_t>(random());
+            for (std::size_t plane = 0; plane < 3; ++plane)
+                image.AddPlane(
+                    image.Pixels.data() + plane, 8, [](std::intptr_t x) { return 3 * x; },
+                    [](std::intptr_t y) { return 27 * y; });
+            (isColumn ? image.TableOf(odd)[size.Width].XEntry : image.TableOf(odd)[size.Height].YEntry) = 0;
+            for (const TMatrix &matrix : {TMatrix{2.0, 0.0, 0.0, 2.0}, Turned(20.0, 1.5)}) {
+                Handle together;
+                ASSERT_TRUE(CreateMatrixTransformedImage(image.Handle(), together.Out(), matrix));
+                for (std::size_t plane = 0; plane < 3; ++plane) {
+                    const auto alone = PlaneAlone(image, plane, size);
+                    Handle single;
+                    ASSERT_TRUE(CreateMatrixTransformedImage(alone->Handle(), single.Out(), matrix));
+                    EXPECT_EQ(PixelBytes(together.Get(), static_cast<std::intptr_t>(plane)),
+                              PixelBytes(single.Get(), 0))
+                        << "plane " << plane << ", odd entry of plane " << odd << ", of a column " << isColumn;
+                }
+            }
+        }
+}
+
 TEST(CreateTransformedImage, CountsTheOverlayOfAnyPlaneForAllPlanesOfMixedTypes) {
     for (std::uint32_t overlays = 0; overlays < 16; ++overlays) {
         const auto image = WildImage(6, 5, WithOverlays({0x8, 0x120, 0x240, 0x10}, overlays), 7);
