@@ -7,6 +7,7 @@
 #include "Transformations/Interpolator.h"
 #include "Transformations/RealSampling.h"
 #include "Transformations/TransTable.h"
+#include "Transformations/UprightSampling.h"
 
 namespace Transformations {
 
@@ -22,6 +23,8 @@ public:
 
     /// Fills a plane from the selected one.
     void Transform(const Image::PlaneView &target) const {
+        if (IsUpright(map_.Matrix))
+            return UprightSampling<T>(this->Interpolator, map_).Fill(target);
         const RealSampling<T> sampling(this->Interpolator);
         Scan::Chunk<T> chunk;
         Scan::ForEachPiece<T>(target.Width, target.Height,

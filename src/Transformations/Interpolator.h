@@ -102,9 +102,11 @@ bool CBaseInterpolator<T>::SelectPlane(std::intptr_t plane) {
     return true;
 }
 
-/// The selected plane, with one look at its table.
+/// The selected plane, with one look at its table. Empty where none is selected.
 template <class T>
 Image::PlaneView SourceViewOf(const CBaseInterpolator<T> &source) {
+    if (source.SourceTable == nullptr)
+        return {};
     const Image::PlaneFacts facts = {source.SourceBase, const_cast<VPAEntry *>(source.SourceTable), 8 * sizeof(T)};
     return Image::ViewOf(facts, {source.SourcePlanes, source.SourceWidth, source.SourceHeight});
 }

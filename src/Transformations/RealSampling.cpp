@@ -24,18 +24,6 @@ double InnerLimit(std::intptr_t count, std::intptr_t lastOnes) {
     return count > lastOnes ? static_cast<double>(count - lastOnes) : -1.0;
 }
 
-template <class T>
-Image::PlaneView ViewOf(const CLinearInterpolator<T, double> &source) {
-    Image::PlaneView view = {source.SourceBase,  source.SourceTable,  source.SourceTable,
-                             source.SourceWidth, source.SourceHeight, static_cast<std::intptr_t>(sizeof(T))};
-    if (view.Base == nullptr || view.Width < 2 || view.Height < 2)
-        return view;
-    const Image::TableSteps steps = Image::CommonSteps({view.Columns, view.Width, view.Rows, view.Height});
-    view.XStep = steps.X;
-    view.YStep = steps.Y;
-    return view;
-}
-
 /// Kernels that read pixels as doubles lose bit 0 of the largest ones.
 template <class T>
 bool KeepsOverlay(const CLinearInterpolator<T, double> &source) {
@@ -82,7 +70,7 @@ bool FindWindows(const Image::PlaneView &view, RealPlane<T> &plane) {
 template <class T>
 RealSampling<T>::RealSampling(const CLinearInterpolator<T, double> &interpolator) : plane_{} {
     plane_.Interpolator = &interpolator;
-    hasKernels_ = KeepsOverlay(interpolator) && FindWindows(ViewOf(interpolator), plane_);
+    hasKernels_ = KeepsOverlay(interpolator) && FindWindows(SourceViewOf<T>(interpolator), plane_);
 }
 
 template <class T>

@@ -1,18 +1,13 @@
 // Eight positions at a time. Each operation rounds as the plain step does, so the bytes are the same.
 #include <algorithm>
-#include <immintrin.h>
 
+#include "Transformations/Avx512Lanes.h"
 #include "Transformations/RealSampling.h"
 
 namespace Transformations {
 namespace {
 
-#define ORV_AVX512_KERNEL __attribute__((target("avx2,avx512f,avx512bw,avx512vl,avx512dq")))
-#define ORV_AVX512_PART ORV_AVX512_KERNEL inline __attribute__((always_inline))
-
 constexpr std::intptr_t Lanes = Avx512Positions;
-/// Functions without a mask start from a register that nothing has been written to, which compilers warn of.
-constexpr __mmask8 AllLanes = 0xFF;
 
 /// Gives the next eight positions.
 class ArrayReader {
@@ -72,11 +67,6 @@ ORV_AVX512_PART __m256i GatherEight(const char *base, __m256i offsets) {
     return _mm256_i32gather_epi32(reinterpret_cast<const int *>(base), offsets, 1);
 }
 
-/// Two pixels of a row for each position.
-struct Pair {
-    __m512d Left, Right;
-};
-
 /// Pixels of 8 and 16 bits in windows of 32.
 template <class T>
 class PairReader {
@@ -113,25 +103,6 @@ private:
     __m256i left_, right_;
 };
 
-template <class T>
-ORV_AVX512_PART __m512d Widened(__m512i words) {
-    if constexpr (sizeof(T) == 4) {
-        const __m256i halves = _mm512_maskz_cvtepi64_epi32(AllLanes, words);
-        if constexpr (std::is_floating_point_v<T>)
-            return _mm512_maskz_cvtps_pd(AllLanes, _mm256_castsi256_ps(halves));
-        else if constexpr (std::is_signed_v<T>)
-            return _mm512_maskz_cvtepi32_pd(AllLanes, halves);
-        else
-            return _mm512_maskz_cvtepu32_pd(AllLanes, halves);
-    } else if constexpr (std::is_floating_point_v<T>) {
-        return _mm512_castsi512_pd(words);
-    } else if constexpr (std::is_signed_v<T>) {
-        return _mm512_maskz_cvtepi64_pd(AllLanes, words);
-    } else {
-        return _mm512_maskz_cvtepu64_pd(AllLanes, words);
-    }
-}
-
 ORV_AVX512_PART __m512i GatherWords(const char *base, __m256i offsets) {
     const auto *const words = reinterpret_cast<const long long *>(base);
     const __m256i low = _mm256_i32gather_epi64(words, _mm256_castsi256_si128(offsets), 1);
@@ -148,11 +119,16 @@ public:
 
     ORV_AVX512_PART void Read(const char *windows, __m256i offsets, Pair &pair) const {
         const __m512i read = GatherWords(windows, offsets);
-        pair.Left = Widened<T>(_mm512_maskz_srl_epi64(AllLanes, read, left_));
-        pair.Right = Widened<T>(_mm512_maskz_srl_epi64(AllLanes, read, right_));
+        pair.Left = Placed(read, left_);
+        pair.Right = Placed(read, right_);
     }
 
 private:
+    ORV_AVX512_PART static __m512d Placed(__m512i windows, __m128i shift) {
+        const __m512i shifted = _mm512_maskz_srl_epi64(AllLanes, windows, shift);
+        return Widened<T>(_mm512_maskz_cvtepi64_epi32(AllLanes, shifted));
+    }
+
     __m128i left_, right_;
 };
 
