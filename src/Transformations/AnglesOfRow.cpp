@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -106,7 +107,8 @@ struct AngleSteps {
         chosen = reinterpret_cast<Real>((reinterpret_cast<Word>(a) & mask) | (reinterpret_cast<Word>(b) & ~mask));
     }
 
-    /// atan2(y, x) rounded to doubles. doubts: not 0 in lanes where the C library might round otherwise. Works with
+    /// atan2(y, x) rounded to doubles. doubts: not 0 in lanes where the C library might round otherwise, the bits in
+    /// which the other double differs, or all bits where it may be any. Works with
     /// signs instead of comparisons: compilers take large registers apart for many a comparison.
     static ORV_INLINE void TakeAngles(Real &angles, Word &doubts, const Real &x, double y, const KnotTable &table) {
         constexpr double halfTurnLow = 1.2246467991473532e-16;
@@ -179,6 +181,28 @@ bool IsRoundingQuicker() {
 #endif
 }
 
+/// What is not in doubt between two doubles, but may be any.
+constexpr std::int64_t AnyAngle = -1;
+
+/// Rounds all angles, and calls settle(i, doubt) for those in doubt: by the bits in which two doubles differ, or by
+/// AnyAngle.
+template <class Settle>
+void ForEachRounded(const double *x, double y, std::intptr_t count, double *angles, Settle &&settle) {
+    if (!IsRoundingQuicker())
+        return AnglesOfRowPlainly(x, y, count, angles);
+    constexpr std::intptr_t mostLanes = 8;
+    std::int64_t doubts[pieceLength];
+    for (std::intptr_t first = 0; first < count; first += pieceLength) {
+        const std::intptr_t length = std::min(count - first, pieceLength);
+        const std::intptr_t whole = length - length % mostLanes;
+        RoundAnglesAtLevel(x + first, y, whole, angles + first, doubts);
+        std::fill(doubts + whole, doubts + length, AnyAngle);
+        for (std::intptr_t i = 0; i < length; ++i)
+            if (doubts[i] != 0)
+                settle(first + i, doubts[i]);
+    }
+}
+
 } // namespace
 
 void AnglesOfRowPlainly(const double *x, double y, std::intptr_t count, double *angles) {
@@ -187,18 +211,19 @@ void AnglesOfRowPlainly(const double *x, double y, std::intptr_t count, double *
 }
 
 void AnglesOfRow(const double *x, double y, std::intptr_t count, double *angles) {
-    if (!IsRoundingQuicker())
-        return AnglesOfRowPlainly(x, y, count, angles);
-    constexpr std::intptr_t mostLanes = 8;
-    double rounded[pieceLength];
-    std::int64_t doubts[pieceLength];
-    for (std::intptr_t first = 0; first < count; first += pieceLength) {
-        const std::intptr_t length = std::min(count - first, pieceLength);
-        const std::intptr_t whole = length - length % mostLanes;
-        RoundAnglesAtLevel(x + first, y, whole, rounded, doubts);
-        for (std::intptr_t i = 0; i < length; ++i)
-            angles[first + i] = i < whole && doubts[i] == 0 ? rounded[i] : std::atan2(y, x[first + i]);
-    }
+    ForEachRounded(x, y, count, angles, [=](std::intptr_t i, std::int64_t) { angles[i] = std::atan2(y, x[i]); });
+}
+
+std::intptr_t AnglesOrNeighbours(const double *x, double y, std::intptr_t count, double *angles,
+                                 DoubtfulAngle *doubts) {
+    std::intptr_t found = 0;
+    ForEachRounded(x, y, count, angles, [&](std::intptr_t i, std::int64_t doubt) {
+        if (doubt == AnyAngle)
+            angles[i] = std::atan2(y, x[i]);
+        else
+            doubts[found++] = {i, std::bit_cast<double>(std::bit_cast<std::int64_t>(angles[i]) ^ doubt)};
+    });
+    return found;
 }
 
 } // namespace Transformations

@@ -3,6 +3,7 @@
 #include "Image/KernelLevel.h"
 #include "Scan/SquareRoots.h"
 #include "Transformations/AnglesOfRow.h"
+#include "Transformations/InverseSixteenths.h"
 
 namespace Transformations {
 namespace {
@@ -64,6 +65,23 @@ void FindRows(const InversePolarRing &ring, std::intptr_t count, double *radii) 
     });
 }
 
+void FindExactly(const InversePolarRing &ring, std::intptr_t first, std::intptr_t y, std::intptr_t count,
+                 PolarPiece &piece) {
+    alignas(64) double dx[PolarPiece::Capacity];
+    const double dy = static_cast<double>(y) - ring.CentreY;
+    FindDistances(ring.CentreX, first, dy * dy, count, dx, piece.Y);
+    AnglesOfRow(dx, dy, count, piece.X);
+    FindColumns(ring, count, piece.X, piece.Kept);
+    Scan::TakeSquareRoots(piece.Y, count);
+    FindRows(ring, count, piece.Y);
+}
+
+/// Whether the kernel for positions that are cut off finds those of a row.
+bool AreCutOffQuickly(const InversePolarRing &ring, std::intptr_t y, PositionUse use) {
+    return use == PositionUse::Sixteenths && Image::CurrentLevel() == Image::KernelLevel::Avx512 &&
+           HasShortArctangents(ring, y);
+}
+
 } // namespace
 
 void FindPositions(const CirclePositions &positions, std::intptr_t count, double *x, double *y) {
@@ -81,16 +99,33 @@ void FindPositions(const CirclePositions &positions, std::intptr_t count, double
 }
 
 void FindInversePositions(const InversePolarRing &ring, std::intptr_t first, std::intptr_t y, std::intptr_t count,
-                          PolarPiece &piece) {
+                          PositionUse use, PolarPiece &piece) {
+    if (AreCutOffQuickly(ring, y, use))
+        FindSixteenthsAtAvx512(ring, first, y, count, piece);
+    else
+        FindExactly(ring, first, y, count, piece);
+    piece.KeepsSome =
+        ring.Extent < WholeTurn && std::any_of(piece.Kept, piece.Kept + count, [](double kept) { return kept != 0; });
+}
+
+void FindLikelyPositions(const InversePolarRing &ring, std::intptr_t first, std::intptr_t y, std::intptr_t count,
+                         PolarPiece &piece, PolarDoubts &doubts) {
     alignas(64) double dx[PolarPiece::Capacity];
+    DoubtfulAngle angles[PolarPiece::Capacity];
     const double dy = static_cast<double>(y) - ring.CentreY;
     FindDistances(ring.CentreX, first, dy * dy, count, dx, piece.Y);
-    AnglesOfRow(dx, dy, count, piece.X);
+    doubts.Count = AnglesOrNeighbours(dx, dy, count, piece.X, angles);
+    for (std::intptr_t i = 0; i < doubts.Count; ++i)
+        doubts.X[i] = angles[i].Other;
+    FindColumns(ring, doubts.Count, doubts.X, piece.Kept);
     FindColumns(ring, count, piece.X, piece.Kept);
     Scan::TakeSquareRoots(piece.Y, count);
     FindRows(ring, count, piece.Y);
-    piece.KeepsSome =
-        ring.Extent < WholeTurn && std::any_of(piece.Kept, piece.Kept + count, [](double kept) { return kept != 0; });
+    for (std::intptr_t i = 0; i < doubts.Count; ++i) {
+        doubts.Index[i] = angles[i].Index;
+        doubts.Y[i] = piece.Y[angles[i].Index];
+    }
+    piece.KeepsSome = false;
 }
 
 RingColumns FindRingColumns(const InversePolarRing &ring, std::intptr_t y, const ColumnRange &within) {

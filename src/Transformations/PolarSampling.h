@@ -17,11 +17,11 @@ class InversePolarRows {
 public:
     InversePolarRows(const InversePolarRing &ring, const Image::PlaneView &target,
                      const PolarInterpolator<T> &interpolator)
-        : ring_(ring), target_(target), sampling_(interpolator) {}
+        : ring_(ring), target_(target), interpolator_(interpolator), sampling_(interpolator) {}
 
     void Rectangle(std::int32_t left, std::int32_t top, std::int64_t width, std::int64_t height) {
         // Strips as wide that what neighbouring rows of them read of the source stays at hand.
-        constexpr std::int64_t stripWidth = 128;
+        constexpr std::int64_t stripWidth = 512;
         const ColumnRange all = {left, left + width};
         std::vector<RingColumns> rows;
         for (std::int64_t y = 0; y < height; ++y)
@@ -53,12 +53,30 @@ private:
             FillPiece(x, y, std::min(columns.End - x, PolarPiece::Capacity));
     }
     void FillPiece(std::intptr_t x, std::intptr_t y, std::intptr_t count) {
-        FindInversePositions(ring_, x, y, count, piece_);
+        constexpr auto use = IsSampledInFixedPoint<T> ? PositionUse::Sixteenths : PositionUse::Exact;
+        const bool isLikelyEnough = use == PositionUse::Exact && ring_.Extent >= WholeTurn;
+        if (isLikelyEnough)
+            FindLikelyPositions(ring_, x, y, count, piece_, doubts_);
+        else
+            FindInversePositions(ring_, x, y, count, use, piece_);
         if (piece_.KeepsSome)
             return FillSome(x, y, count);
         T *const to = Scan::PixelsToWrite(target_, x, y, chunk_);
         sampling_.Sample(piece_.X, piece_.Y, count, to);
+        if (isLikelyEnough)
+            SettleDoubts(x, y, to);
         Scan::WritePixels(target_, x, y, count, to, chunk_);
+    }
+    /// Most columns that may be others give the same pixels either way.
+    void SettleDoubts(std::intptr_t x, std::intptr_t y, T *pixels) {
+        sampling_.Sample(doubts_.X, doubts_.Y, doubts_.Count, otherPixels_);
+        for (std::intptr_t i = 0; i < doubts_.Count; ++i) {
+            T &pixel = pixels[doubts_.Index[i]];
+            double column = 0, row = 0;
+            if (std::memcmp(&pixel, otherPixels_ + i, sizeof(T)) != 0 &&
+                ring_.Position(static_cast<double>(x + doubts_.Index[i]), static_cast<double>(y), column, row))
+                pixel = SamplePolar<T>(interpolator_, column, row);
+        }
     }
     void FillSome(std::intptr_t x, std::intptr_t y, std::intptr_t count) {
         sampling_.Sample(piece_.X, piece_.Y, count, chunk_.Pixels);
@@ -69,8 +87,11 @@ private:
 
     InversePolarRing ring_;
     Image::PlaneView target_;
+    const PolarInterpolator<T> &interpolator_;
     PolarSampling<T> sampling_;
     PolarPiece piece_;
+    PolarDoubts doubts_;
+    T otherPixels_[PolarPiece::Capacity];
     Scan::Chunk<T> chunk_;
 };
 

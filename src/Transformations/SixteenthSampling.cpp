@@ -1,6 +1,7 @@
 #include "Transformations/SixteenthSampling.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "Image/KernelLevel.h"
 
@@ -11,6 +12,29 @@ namespace {
 std::uint32_t InnerLimit(std::int64_t pixels) {
     constexpr std::int64_t mostPixels = std::int64_t{1} << 23;
     return static_cast<std::uint32_t>(std::clamp<std::int64_t>(pixels - 1, 0, mostPixels) * 16);
+}
+
+/// As the kernel sees it, where the neighbours of the grid come in pairs.
+template <class T>
+SixteenthPlane<T> PlaneOf(const CLinearInterpolatorFPA<T> &interpolator, const Image::PlaneView &view,
+                          const SourceGrid &grid) {
+    const std::uint32_t innerX = InnerLimit(view.Width), innerY = InnerLimit(view.Height);
+    return {&interpolator,
+            grid.Base,
+            grid.YStep,
+            grid.IsTurned,
+            grid.IsTurned ? innerY : innerX,
+            grid.IsTurned ? innerX : innerY};
+}
+
+/// Whether sixteenfold numbers are still far from what double can't hold.
+bool AreModerate(const PositionArrays &) {
+    return true;
+}
+bool AreModerate(const CirclePositions &positions) {
+    constexpr double limit = 1e100;
+    return std::fabs(positions.Radius) < limit && std::fabs(positions.CentreX) < limit &&
+           std::fabs(positions.CentreY) < limit;
 }
 
 /// TruncateTo<std::int32_t>(16 * position), written without branches.
@@ -52,11 +76,15 @@ ORV_INLINE bool CutOffAll(const Positions &positions, std::intptr_t count, const
 template <class T>
 SixteenthSampling<T>::SixteenthSampling(const CLinearInterpolatorFPA<T> &interpolator)
     : interpolator_(interpolator), view_(SourceViewOf<T>(interpolator)), grid_(SourceGrid::Of<T>(view_)),
-      innerX_(InnerLimit(view_.Width)), innerY_(InnerLimit(view_.Height)) {}
+      innerX_(InnerLimit(view_.Width)), innerY_(InnerLimit(view_.Height)),
+      plane_(PlaneOf(interpolator, view_, grid_)) {}
 
 template <class T>
 template <class Positions>
 void SixteenthSampling<T>::SampleAll(const Positions &positions, std::intptr_t count, T *target) const {
+    if (grid_.Access == NeighbourAccess::Pairs && count >= SixteenthLanes && AreModerate(positions) &&
+        Image::CurrentLevel() == Image::KernelLevel::Avx512)
+        return SampleAtAvx512(plane_, positions, count, target);
     for (std::intptr_t first = 0; first < count; first += Capacity)
         SamplePiece(positions.From(first), std::min(count - first, Capacity), target + first);
 }

@@ -25,6 +25,25 @@ struct CirclePositions {
     }
 };
 
+/// What the kernel for positions in sixteenths knows of a plane whose pixels stand side by side, in rows or in
+/// columns. Around inner positions it reads two neighbours at once.
+template <class T>
+struct SixteenthPlane {
+    const CLinearInterpolatorFPA<T> *Interpolator; ///< for all positions that are not inner
+    const char *Base;                              ///< pixel (0, 0)
+    std::int32_t RowStep;                          ///< in bytes, across the neighbours
+    bool IsTurned;                                 ///< neighbours stand above each other
+    std::uint32_t InnerAlong, InnerAcross;         ///< inner positions are below, in sixteenths
+};
+
+/// For processors with the instructions of Image::KernelLevel::Avx512. count is at least the constant. Some positions
+/// may be sampled twice. Sixteenfold positions, radii and centres are numbers that double holds.
+inline constexpr std::intptr_t SixteenthLanes = 16;
+template <class T>
+void SampleAtAvx512(const SixteenthPlane<T> &plane, const PositionArrays &positions, std::intptr_t count, T *target);
+template <class T>
+void SampleAtAvx512(const SixteenthPlane<T> &plane, const CirclePositions &positions, std::intptr_t count, T *target);
+
 /// Samples the selected plane of an interpolator, which must outlive this and stay as it is.
 template <class T>
 class SixteenthSampling {
@@ -62,6 +81,7 @@ private:
     Image::PlaneView view_;
     SourceGrid grid_;
     std::uint32_t innerX_, innerY_; ///< positions below have their neighbours inside, in 1/16 pixel
+    SixteenthPlane<T> plane_;
 };
 
 } // namespace Transformations

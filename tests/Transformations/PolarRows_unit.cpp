@@ -75,6 +75,30 @@ TEST(AnglesOfRow, AnyCountIsWrittenAndNothingBehindIt) {
     }
 }
 
+TEST(AnglesOrNeighbours, OneOfTheTwoIsThatOfTheCLibrary) {
+    std::mt19937_64 random(74);
+    std::vector<DoubtfulAngle> doubts(700);
+    for (int number = 0; number < 300; ++number) {
+        const double reach = std::exp2(Between(random, -12, 16)), y = Between(random, -reach, reach);
+        std::vector<double> x(700), plain(x.size()), angles(x.size());
+        for (double &column : x)
+            column = Between(random, -reach, reach);
+        AnglesOfRowPlainly(x.data(), y, 700, plain.data());
+        AtAllLevels([&](const char *level) {
+            const std::intptr_t found = AnglesOrNeighbours(x.data(), y, 700, angles.data(), doubts.data());
+            ASSERT_LT(found, 100) << "doubts are rare";
+            for (std::intptr_t i = 0; i < found; ++i) {
+                const auto [index, other] = doubts[static_cast<std::size_t>(i)];
+                double &angle = angles[static_cast<std::size_t>(index)];
+                ASSERT_TRUE(other == std::nextafter(angle, 9.0) || other == std::nextafter(angle, -9.0)) << level;
+                if (other == plain[static_cast<std::size_t>(index)])
+                    angle = other;
+            }
+            ASSERT_EQ(angles, plain) << level << ", case " << number;
+        });
+    }
+}
+
 // ---- rings
 
 /// A ring whose centre and radii lie around and beyond a source, or where one unrolled lies in a target.
@@ -197,6 +221,14 @@ TYPED_TEST(PolarRows, RollsUpAsThePlainStepFromEveryLayoutAtEveryLevel) {
         for (const Size &size : {Size{63, 50}, Size{1, 40}, Size{600, 3}})
             ASSERT_NO_FATAL_FAILURE(CompareRolledUp<TypeParam>(image, polar, size, ring, layout));
     });
+}
+
+TEST(PolarRowsOfDoubles, AngleThatMayBeANeighbouringOneShowsInNoPixel) {
+    std::mt19937_64 random(12);
+    const auto layouts = MakeLayouts(900, 110, 3, WordOf<double>(), 3);
+    RandomRing ring(random, 60, 50);
+    ring.CentreX = 120.3, ring.CentreY = 119.6, ring.Inner = 3;
+    CompareRolledUp<double>(layouts.front().Get(), {900, 110}, {240, 240}, ring, PlaneLayout::Dense);
 }
 
 // ---- the choice
