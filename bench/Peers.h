@@ -54,6 +54,11 @@ void RegisterColors();
 void RegisterAffine();
 void RegisterArbitrary();
 void RegisterPolar();
+void RegisterPixelLists();
+void RegisterMaxima();
+void RegisterSubPixel();
+void RegisterDrawing();
+void RegisterFloodFill();
 
 } // namespace Bench
 

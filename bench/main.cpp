@@ -23,6 +23,11 @@ int main(int count, char **arguments) {
     Bench::RegisterAffine();
     Bench::RegisterArbitrary();
     Bench::RegisterPolar();
+    Bench::RegisterPixelLists();
+    Bench::RegisterMaxima();
+    Bench::RegisterSubPixel();
+    Bench::RegisterDrawing();
+    Bench::RegisterFloodFill();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::filesystem::remove_all(folder);
