@@ -77,6 +77,9 @@ TEST_F(PixelListHandleTest, OffersTheRootInterfaceOnly) {
 
 /// What a call with a handle that is no list leaves behind.
 struct ListFunction {
+    ListFunction(std::string name, std::function<std::int64_t(void *list)> call, Expected onNoList, std::string text)
+        : Name(std::move(name)), Call(std::move(call)), OnNoList(std::move(onNoList)), Text(std::move(text)) {}
+
     std::string Name;
     std::function<std::int64_t(void *list)> Call;
     Expected OnNoList;
