@@ -23,7 +23,8 @@ public:
         if (failed == 0)
             std::printf(
                 "\nAll %d proofs hold: every view shows the caller's own pixels, every walk and mapping gives "
-                "what a plain count gives, and every transform shows the places that it should.\n",
+                "what a plain count gives, every transform shows the places that it should, and every search "
+                "finds what a plain one finds.\n",
                 held);
         else
             std::printf("\nFAILED: %d of %d proofs do not hold.\n", failed, held + failed);

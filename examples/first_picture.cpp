@@ -1,10 +1,11 @@
 // The first job on a real file: load a bitmap, look at it through its tables, turn, join, cut, shrink, split and
-// overlay it without moving a pixel, walk over it, map its values, turn it straight, write all of it again. Usage:
-// first_picture [FILE.bmp ...]; without a file it draws a scene of its own. Pictures go to the folder "out". The
-// exit code is 0 only when every proof holds.
+// overlay it without moving a pixel, walk over it, map its values, turn it straight, find marks or stars in it, write
+// all of it again. Usage: first_picture [FILE.bmp ...]; without a file it draws a scene of its own. Pictures go to
+// the folder "out". The exit code is 0 only when every proof holds.
 #include "composition_proofs.h"
 #include "demo_report.h"
 #include "gallery.h"
+#include "maxima_job.h"
 #include "png_writer.h"
 #include "proofs.h"
 #include "scan_job.h"
@@ -152,6 +153,7 @@ void RunJob(const std::filesystem::path &file, const Scene *scene, bool drawsGal
                                           DrawGallery(source.Get(), views, made).Get())));
     RunScans(source.Get(), scene, stem, drawsGallery, verdict);
     RunTransforms(source.Get(), scene, stem, drawsGallery, verdict);
+    RunMaxima(source.Get(), scene, stem, drawsGallery, verdict);
     GiveBack(source, views, made, buffer, verdict);
 }
 

@@ -258,8 +258,9 @@ void TrySizes() {
     ImageHandle none;
     FlushORVErrorCache();
     uint32_t code = 0;
+    uint64_t noText = 0, noName = 0;
     Expect(!CreateMatrixTransformedImage(image.Get(), none.Out(), flat) &&
-               !PeekLastORVError(&code, nullptr, nullptr, nullptr, nullptr, nullptr),
+               !PeekLastORVError(&code, nullptr, nullptr, &noText, nullptr, &noName),
            "no inverse: false without a report");
 }
 

@@ -36,8 +36,8 @@ ORV_API bool FindMaximaEx(void *image, intptr_t plane, int64_t left, int64_t top
                           int64_t Locality, void **list, double Threshold);
 
 /** Finds the local maxima of a plane of any of the ten pixel types, strongest first, equal ones row by row. A pixel
- * is a candidate when it is at least Threshold and none of its eight neighbours inside the rectangle is greater; so
- * each pixel of an area of equal ones is. The strongest candidate is taken, all within Locality of it in x and in y
+ *  is a candidate when it is at least Threshold and none of its eight neighbours inside the rectangle is greater; so
+ *  each pixel of an area of equal ones is. The strongest candidate is taken, all within Locality of it in x and in y
  *  are dropped, and so on. A pixel of the lowest value of its type is never taken.
  *  left, top, right, bottom  swapped where they are in the wrong order, and clipped to the image.
  *  Locality   below 0 acts as 0: every candidate is taken.
@@ -45,8 +45,10 @@ ORV_API bool FindMaximaEx(void *image, intptr_t plane, int64_t left, int64_t top
  *             unsigned pixels they wrap, so that the step has a meaning on floating point first of all.
  *             FitParaboloid and FitGaussian set the value, too. A fit that fails leaves the pixel as it was. Least
  *             squares are computed in coordinates of the image and lose accuracy far from its origin.
+ *             FitGaussian wants pixels above 0. It lifts a window that reaches lower by as much as that takes; where
+ *             rounding leaves the lowest pixel at 0, mostly from -2 down, the result is no number.
  *  Radius     of the fitted window, 0 to 4; 0 acts as FitNone. Beyond the edges the window repeats the edge's pixels.
- *  Threshold  truncated towards zero for integer pixels.
+ *  Threshold  truncated towards zero for integer pixels, then cast to their type: -1 is 255 for unsigned bytes.
  *  list       one reference; may be empty; untouched on failure. Null: ErrParameter.
  *  Errors     in this order: ErrParameter for a Radius out of range; ErrNotAnImage; ErrPlaneIndex; ErrDataType;
  *             ErrGeneral when there is no view of the rectangle. */

@@ -37,18 +37,18 @@ ORV_API bool ModifyListPixel(void *list, int64_t index, const double *components
 
 /** Copies all components of a pixel out.
  *  Errors, in this order: ErrElementIndex "Negative indices are not allowed"; ErrElementIndex "Index too high or
- * object invalid"; ErrNotAPixelList; ErrParameter for null components. */
+ *  object invalid", also behind ErrNotAPixelList for a handle that is no list; ErrParameter for null components. */
 ORV_API bool ListPixelEx(void *list, int64_t index, double *components);
 
 /** The components 0, 1 and 2 of a pixel, rounded: floor(0.5 + component), so 2.5 gives 3 and -2.5 gives -2. What does
  *  not fit, or is no number, gives the lowest integer.
- *  Errors, in this order: the index as in ListPixelEx; ErrNotAPixelList; ErrDimension for a list of dimension 2;
+ *  Errors, in this order: the index and the handle as in ListPixelEx; ErrDimension for a list of dimension 2;
  *  ErrParameter when an output is null. */
 ORV_API bool ListPixel(void *list, int64_t index, int64_t *x, int64_t *y, int64_t *value);
 
 /** Removes a pixel; those behind it move down by one.
  *  Errors, in this order: ErrNotAPixelList; ErrElementIndex "Negative indices are not allowed"; ErrElementIndex
- * "Index too high or object invalid". */
+ *  "Index too high or object invalid". */
 ORV_API bool RemovePixel(void *list, int64_t index);
 
 /** Removes all pixels. False without a report when there is none. Errors: ErrNotAPixelList. */
@@ -64,11 +64,13 @@ ORV_API bool TruncatePixelList(void *list, int64_t count);
 ORV_API void *ConcatenatePixelLists(void *first, void *second);
 
 /** Copies all pixels of a list into another one.
- *  target  in: a list, which is emptied first and may have a lower dimension than source: pixels are cut to it. Any
- *          other pointer, null included, is overwritten with a new list of the dimension of source with one
- * reference. A list copied onto itself stays as it is. Errors  ErrNotAPixelList for source; ErrParameter for a null
- * pointer to the target; ErrIndexRange "Pixel list dimensions do not match" for a target of higher dimension, which
- * stays as it is; ErrCreateFailed. */
+ *  target  in: a list, which is emptied first and may have a lower dimension than source: pixels are cut to it. A
+ *          list copied onto itself stays as it is. Null, or the handle of another object, is overwritten with a new
+ *          list of the dimension of source with one reference; that object is not released. Nothing else will do,
+ *          since the object is looked at. A failure leaves all as it was.
+ *  Errors  ErrNotAPixelList for source; ErrParameter for a null pointer to the target; ErrIndexRange "Pixel list
+ *          dimensions do not match" for a target of higher dimension; ErrCreateFailed; ErrGeneral under the name
+ *          AddPixel when there is no memory for a pixel. */
 ORV_API bool CopyPixelList(void *source, void **target);
 
 /** Moves all pixels: x' = A11 x + A12 y + offsetX, y' = A21 x + A22 y + offsetY. Other components stay. Any matrix
@@ -79,10 +81,12 @@ ORV_API bool TransformPixelListMatrix(void *list, TMatrix matrix, double offsetX
 ORV_API bool TransformPixelListCoordinates(void *list, TCoordinateMap map);
 
 /** A copy of an image with the places of the pixels marked in its overlay: bit 0 of all planes. Components 0 and 1
- * are pixel coordinates, of which the fraction is dropped: -0.5 is 0. Pixels outside the image are left out. result
- * a new image with one reference: a duplicate of an overlay image, else one made by CreateOverlayImage; untouched
- * when there is no pixel, or no list. Null: ErrParameter. Result  true; also true for a list without pixels, with the
- * code 3 reported. Errors  ErrGeneral "Unable to create output image"; ErrCreateFailed. */
+ *  are pixel coordinates, of which the fraction is dropped: -0.5 is 0. Pixels outside the image are left out.
+ *  result  a new image with one reference: a duplicate of an overlay image, else one made by CreateOverlayImage;
+ *          untouched when there is no pixel, or no list, and on failure. Null: ErrParameter.
+ *  Result  true; also true for a list without pixels, with the code 3 reported, and for a handle that is no list,
+ *          with ErrNotAPixelList under the name PixelListCount before it.
+ *  Errors  ErrGeneral "Unable to create output image"; ErrCreateFailed. */
 ORV_API bool CreateOverlayFromPixelList(void *list, void *image, void **result);
 
 /** A list of the places that are marked in the overlay of plane 0 of an image: row by row, from left to right.

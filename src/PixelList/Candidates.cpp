@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <utility>
 
 namespace PixelList {
@@ -41,8 +42,23 @@ Side Within(std::int64_t distance, std::int32_t coordinate, std::int64_t first, 
             static_cast<std::int32_t>(coordinate + std::min(distance, last - coordinate))};
 }
 
-void ReverseKeepingTies(std::vector<Candidate> &candidates) {
-    std::reverse(candidates.begin(), candidates.end());
+/// How many of the lowest digits the values differ in.
+std::size_t DifferingDigits(const std::vector<Candidate> &candidates) {
+    const std::uint32_t first = KeyOf(candidates.front());
+    std::uint32_t differing = 0;
+    for (const Candidate &candidate : candidates)
+        differing |= KeyOf(candidate) ^ first;
+    return (static_cast<std::size_t>(std::bit_width(differing)) + DigitBits - 1) / DigitBits;
+}
+
+template <std::size_t Used>
+void CountDigits(const std::vector<Candidate> &candidates, Counts &counts) {
+    for (const Candidate &candidate : candidates)
+        for (std::size_t digit = 0; digit < Used; ++digit)
+            ++counts[digit][DigitOf(candidate, digit)];
+}
+
+void ReverseTies(std::vector<Candidate> &candidates) {
     for (auto begin = candidates.begin(); begin != candidates.end();) {
         const auto end = std::find_if(
             begin, candidates.end(), [value = begin->Value](const Candidate &other) { return other.Value != value; });
@@ -59,12 +75,16 @@ void SortByValue(std::vector<Candidate> &candidates) {
                          [](const Candidate &a, const Candidate &b) { return a.Value < b.Value; });
         return;
     }
+    const std::size_t used = DifferingDigits(candidates);
     Counts counts{};
-    for (const Candidate &candidate : candidates)
-        for (std::size_t digit = 0; digit < Digits; ++digit)
-            ++counts[digit][DigitOf(candidate, digit)];
+    if (used <= 1)
+        CountDigits<1>(candidates, counts);
+    else if (used <= 2)
+        CountDigits<2>(candidates, counts);
+    else
+        CountDigits<Digits>(candidates, counts);
     std::vector<Candidate> sorted(candidates.size());
-    for (std::size_t digit = 0; digit < Digits; ++digit) {
+    for (std::size_t digit = 0; digit < used; ++digit) {
         const std::size_t alike = counts[digit][DigitOf(candidates.front(), digit)];
         if (alike == candidates.size())
             continue;
@@ -75,19 +95,20 @@ void SortByValue(std::vector<Candidate> &candidates) {
 
 void SelectByLocality(std::vector<Candidate> &candidates, MarkMap &marks, const Rectangle &rectangle,
                       std::int64_t locality) {
-    for (auto candidate = candidates.rbegin(); candidate != candidates.rend(); ++candidate) {
-        if (!marks.IsSet(candidate->X, candidate->Y)) {
-            candidate->Value = 0;
+    std::vector<Candidate> kept;
+    for (auto candidate = candidates.crbegin(); candidate != candidates.crend(); ++candidate) {
+        if (!marks.IsSet(candidate->X, candidate->Y))
             continue;
-        }
         const Side columns = Within(locality, candidate->X, rectangle.Left, rectangle.Right);
         const Side rows = Within(locality, candidate->Y, rectangle.Top, rectangle.Bottom);
         for (std::int32_t y = rows.First; y <= rows.Last; ++y)
             marks.ClearRun(columns.First, columns.Last, y);
+        // Required: a maximum of value 0 goes with those that are left out, after it has cleared the marks around it.
+        if (candidate->Value != 0)
+            kept.push_back(*candidate);
     }
-    // Required: a maximum of value 0 goes with those that were left out.
-    std::erase_if(candidates, [](const Candidate &candidate) { return candidate.Value == 0; });
-    ReverseKeepingTies(candidates);
+    ReverseTies(kept);
+    candidates.swap(kept);
 }
 
 } // namespace PixelList

@@ -15,8 +15,8 @@ struct Rectangle {
 
 /// Swaps sides that are in the wrong order and clips them to the image. A rectangle left of column 0 or above row 0
 /// comes out with its right side below 0.
-/// zeroMeansEnd  a right of 0 stands for the last column, a bottom of 0 for the last row, after the sides are in
-/// order. Result        false, with the rectangle as it was, when it begins behind the last column or row.
+/// zeroMeansEnd  a right of 0 is the last column, a bottom of 0 the last row, once the sides are in order.
+/// Result        false, with the rectangle as it was, when it begins behind the last column or row.
 bool ClipRectToImage(const Image::Dimensions &size, Rectangle &rectangle, bool zeroMeansEnd);
 
 } // namespace PixelList

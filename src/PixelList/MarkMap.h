@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "Image/Dimensions.h"
@@ -32,6 +33,19 @@ public:
         const int shift = x % WordMarks;
         word[0] |= bits << shift;
         word[1] |= bits >> 1 >> (WordMarks - 1 - shift);
+    }
+    /// The byte of eight marks, of which that of x is the lowest, for x a multiple of 8. Those of the columns from
+    /// there on follow: words stand in memory with their lowest byte first.
+    char *ByteOf(std::int32_t x, std::int32_t y) const {
+        return reinterpret_cast<char *>(words_.get() + y * rowWords_) + x / 8;
+    }
+    /// Bytes from a mark to that in the next row.
+    std::intptr_t PitchBytes() const { return rowWords_ * static_cast<std::intptr_t>(sizeof(Word)); }
+    /// As From, for x a multiple of 8.
+    Word FromByte(std::int32_t x, std::int32_t y) const {
+        Word word;
+        std::memcpy(&word, ByteOf(x, y), sizeof word);
+        return word;
     }
     /// The marks of columns x to x + 63, that of x in the lowest bit; none are set beyond the last column.
     Word From(std::int32_t x, std::int32_t y) const {

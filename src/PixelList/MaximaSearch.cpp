@@ -34,15 +34,14 @@ public:
         if (last < first)
             return ScanOneByOne();
         std::vector<MaximumBits> bits(static_cast<std::size_t>((last - first) / BitsColumns + 1));
+        std::vector<std::uint32_t> open(bits.size());
         for (std::int32_t y = top_; y <= bottom_; ++y) {
             if (left_ < first)
                 Visit(left_, y);
             TestRow<T>(RowsAround(first, y), last - first + 1, threshold_, bits.data());
-            std::int32_t x = first;
-            for (const MaximumBits &part : bits) {
-                VisitBits(part, x, y);
-                x += static_cast<std::int32_t>(BitsColumns);
-            }
+            const std::size_t count = ListOpen(bits, first, y, open.data());
+            for (std::size_t i = 0; i < count; ++i)
+                VisitBits(bits[open[i]], first + static_cast<std::int32_t>(open[i] * BitsColumns), y);
             if (right_ > last)
                 Visit(right_, y);
         }
@@ -72,21 +71,51 @@ private:
         return false;
     }
 
+    /// The parts of a row in which a walk may begin. Without branches, which would be taken at random.
+    std::size_t ListOpen(const std::vector<MaximumBits> &bits, std::int32_t x, std::int32_t y,
+                         std::uint32_t *open) const {
+        std::size_t count = 0, left = 0;
+        for (std::uint32_t i = 0; i < bits.size(); ++i) {
+            open[count] = i;
+            count += bits[i].NoneGreater != 0 ? 1 : 0;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint32_t part = open[i];
+            open[left] = part;
+            const auto column = x + static_cast<std::int32_t>(part * BitsColumns);
+            left += (bits[part].NoneGreater & ~marks_.From(column, y)) != 0 ? 1 : 0;
+        }
+        return left;
+    }
+
     void VisitBits(const MaximumBits &bits, std::int32_t x, std::int32_t y) {
-        if (bits.NoneGreater == 0)
-            return;
-        for (MarkMap::Word left = bits.NoneGreater & ~marks_.From(x, y); left != 0;) {
+        MarkMap::Word left = bits.NoneGreater & ~marks_.From(x, y);
+        if ((left & ~bits.AllLess) == 0)
+            return KeepAll(left, x, y);
+        while (left != 0) {
             const int place = std::countr_zero(left);
-            const std::int32_t column = x + place;
             left &= left - 1;
             if ((bits.AllLess >> place & 1) != 0) {
-                marks_.Set(column, y); // a plateau of one pixel
-                Keep(column, y);
+                KeepAll(MarkMap::Word{1} << place, x, y);
             } else {
-                WalkFrom(column, y);
+                WalkFrom(x + place, y);
                 left &= ~marks_.From(x, y);
             }
         }
+    }
+
+    /// Plateaus of one pixel.
+    void KeepAll(MarkMap::Word places, std::int32_t x, std::int32_t y) {
+        using Pixel = typename Scan::Loose<T>::Type;
+        const Pixel *const row = reinterpret_cast<const Pixel *>(rows_.Row(y)) + x;
+        Candidate candidates[MarkMap::WordMarks];
+        std::ptrdiff_t count = 0;
+        marks_.SetFrom(x, y, places);
+        for (; places != 0; places &= places - 1) {
+            const int place = std::countr_zero(places);
+            candidates[count++] = {x + place, y, row[place]};
+        }
+        found_.insert(found_.end(), candidates, candidates + count);
     }
 
     void WalkFrom(std::int32_t x, std::int32_t y) {
@@ -103,6 +132,13 @@ private:
     std::vector<Candidate> &found_;
     std::int32_t left_, right_, top_, bottom_;
 };
+
+/// Room for the maxima of white noise, one for each nine pixels. Memory that is not written costs nothing.
+void ReserveFor(const Rectangle &inside, std::vector<Candidate> &maxima) {
+    constexpr std::int64_t most = 1 << 20;
+    const std::int64_t pixels = (inside.Right - inside.Left + 1) * (inside.Bottom - inside.Top + 1);
+    maxima.reserve(static_cast<std::size_t>(std::min(pixels / 8, most)));
+}
 
 /// The upper and the lower row are walls, from the left column up to the one before the right.
 void MarkWalls(MarkMap &marks, const Rectangle &inside) {
@@ -128,6 +164,7 @@ bool SearchMaxima(const Image::PlaneView &plane, const MaximaRequest &request, s
     if (!marks.Allocate({1, plane.Width, plane.Height}))
         return false;
     MarkWalls(marks, inside);
+    ReserveFor(inside, maxima);
     const auto threshold = static_cast<T>(std::max(request.Threshold, std::int64_t{Limits::lowest()}));
     Search<T> search(plane, marks, inside, threshold, maxima);
     if (test == MaximumTest::OneByOne)

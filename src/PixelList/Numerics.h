@@ -124,9 +124,11 @@ double Determinant(const Matrix &matrix);
 Matrix Invert(const Matrix &matrix);
 
 /// Crout's method with implicit scaled pivoting, for square matrices. The matrix becomes both factors, the left one
-/// without its diagonal of ones. permutation  the row that was swapped with each one in turn. sign  of the
-/// permutation, 1 or -1. Throws singular_matrix "singular matrix encountered in LR decomposition". Required: a row of
-/// elements all between -1 and 1 counts as singular.
+/// without its diagonal of ones.
+/// permutation  the row that was swapped with each one in turn.
+/// sign         of the permutation, 1 or -1.
+/// Throws singular_matrix "singular matrix encountered in LR decomposition". Required: a row of elements all between
+/// -1 and 1 counts as singular.
 void LRDecompose(Matrix &matrix, Permutation &permutation, double &sign);
 
 /// The magnitude of a value cut to 32 bits. What does not fit, or is no number, counts as 2147483647.

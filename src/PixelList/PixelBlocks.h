@@ -26,7 +26,7 @@ ORV_INLINE std::uint64_t BitsOf(const std::uint8_t *bytes) {
     return bits;
 }
 
-/// As CompareRow.
+/// As CompareRows, for one row.
 template <class T>
 ORV_INLINE ComparedBits ComparePixels(const char *pixels, T value) {
     const auto *const row = reinterpret_cast<const typename Scan::Loose<T>::Type *>(pixels);

@@ -29,10 +29,7 @@ public:
     /// other pixel of it has to be walked from again.
     bool Run(std::int32_t x, std::int32_t y) {
         value_ = rows_.PixelAt(x, y);
-        PlateauWalk *const walk = this;
-        auto outcome = Outcome::TooLarge;
-        auto *const found = &outcome;
-        Image::RunAtLevel([=]() ORV_INLINE_LAMBDA { *found = walk->window_.Flood(x, y, walk->value_); });
+        const Outcome outcome = window_.Flood(x, y, value_);
         return outcome == Outcome::TooLarge ? WalkRuns(x, y) : outcome == Outcome::Maximum;
     }
 
@@ -71,7 +68,8 @@ private:
     ComparedBits LookFrom(std::int32_t x, std::int32_t y) {
         const std::int32_t start = std::min(x, lastStart_);
         const char *const pixels = rows_.Row(y) + start * static_cast<std::intptr_t>(sizeof(T));
-        const ComparedBits all = CompareRow<T>(pixels, value_);
+        ComparedBits all;
+        CompareRows<T>(&pixels, 1, value_, &all);
         const Word open = ~marks_.From(x, y);
         const int shift = x - start;
         return {(all.Equal & columnsInside_) >> shift & open, (all.Greater & columnsInside_) >> shift & open};

@@ -25,8 +25,8 @@ CPixel ParaboloidFit(const FitWindow &window);
 /// The smallest value that the logarithm is taken of.
 inline constexpr double LeastLogarithmic = nrtl::numerics::Tiny;
 
-/// Replaces values by their logarithms, after adding what makes the smallest of them positive. Result: what was
-/// added.
+/// Replaces values by their logarithms, after adding what lifts the smallest of them to LeastLogarithmic where it is
+/// below. Rounding leaves most values from -2 down at 0, of which the logarithm is infinite. Result: what was added.
 template <class Values>
 double TakeLogarithms(Values &values) {
     double smallest = LeastLogarithmic;

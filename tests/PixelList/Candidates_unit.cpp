@@ -117,6 +117,18 @@ TEST(MarkMap, RunsAndWordsMeetTheirPixelsOnly) {
         ASSERT_EQ(marks.IsSet(x, 1), x == 37 || x == 39 || x == 100);
 }
 
+TEST(MarkMap, MarksCanBeReachedAsBytes) {
+    MarkMap marks;
+    ASSERT_TRUE(marks.Allocate({1, 200, 3}));
+    for (const std::int32_t x : {8, 13, 70, 71, 134, 199})
+        marks.Set(x, 1);
+    for (std::int32_t x = 0; x < 200; x += 8) {
+        EXPECT_EQ(marks.FromByte(x, 1), marks.From(x, 1)) << x;
+        EXPECT_EQ(static_cast<unsigned char>(*marks.ByteOf(x, 1)), marks.From(x, 1) & 0xFF) << x;
+        EXPECT_EQ(marks.ByteOf(x, 1) + marks.PitchBytes(), marks.ByteOf(x, 2)) << x;
+    }
+}
+
 TEST(MarkMap, RefusesSidesBeyond31Bits) {
     MarkMap marks;
     EXPECT_FALSE(marks.Allocate({1, std::intptr_t{1} << 31, 1}));

@@ -225,6 +225,17 @@ TEST(FitGaussianOf, PixelsBelowZeroAreLiftedAndTheLiftIsTakenOffAgain) {
     EXPECT_GE(zeros.Value, 0.0);
 }
 
+// Required: the lift is told, and what rounding makes of it. The logarithm of the 0 that is left is infinite.
+TEST(FitGaussianOf, AWindowThatRoundingLeavesAtZeroGivesNoNumbers) {
+    for (const double lowest : {-2.0, -5.0, -1000.0}) {
+        const auto grid = Neighbourhood<double>({lowest, 5, 1, 5, 9, 5, 1, 5, 1});
+        const Spot spot = Refined(grid, FitGaussian, 1, Everything, 6.0);
+        EXPECT_EQ(spot, (Spot{NotANumber, NotANumber, NotANumber})) << lowest;
+    }
+    const Spot lifted = Refined(Neighbourhood<double>({-1.5, 5, 1, 5, 9, 5, 1, 5, 1}), FitGaussian, 1, Everything, 6);
+    EXPECT_TRUE(std::isfinite(lifted.X) && std::isfinite(lifted.Y) && std::isfinite(lifted.Value));
+}
+
 // Required: where the fit fails, the value still becomes exp(value) less the lift.
 TEST(FitGaussianOf, AFlatWindowLeavesThePlaceAndRaisesTheValue) {
     EXPECT_EQ(Refined(PixelGrid<double>(9, 9, 2.5), FitGaussian, 2), (Spot{0, 0, std::exp(2.5)}));
