@@ -79,16 +79,16 @@ void RegisterCircles(const Plane &plane) {
     }
 }
 
-/// Each drawing has another size, so that its shape has to be made anew: what the first one of a size costs.
+/// Each drawing has another size: what the first one of a size costs.
 void RegisterChangingCircles(const Plane &plane) {
     const auto next = [radius = std::make_shared<int>(0)] { return 40 + (*radius = (*radius + 1) % 21); };
     const cv::Point centre(Width / 2, Height / 2);
     plane.Register(
-        "DrawCircleInImage 1 of radii 40 to 60 / circle", 12.0,
+        "DrawCircleInImage 1 of radii 40 to 60 / circle", 1.0,
         [=](void *image) { return DrawCircleInImage(image, 0, centre.x, centre.y, next(), 1, 0, 0, Value); },
         [=](cv::Mat &pixels) { cv::circle(pixels, centre, next(), Value, 1, cv::LINE_8); });
     plane.Register(
-        "FillCircleInImage of radii 40 to 60 / circle", 12.0,
+        "FillCircleInImage of radii 40 to 60 / circle", 1.0,
         [=](void *image) { return FillCircleInImage(image, 0, centre.x, centre.y, next(), 0, 0, Value); },
         [=](cv::Mat &pixels) { cv::circle(pixels, centre, next(), Value, Filled, cv::LINE_8); });
 }

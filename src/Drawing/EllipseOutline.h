@@ -33,13 +33,37 @@ public:
     /// Corners without the one that closes the outline.
     std::int64_t Corners() const { return angles_.Count() + 1; }
 
+    struct Range {
+        double Least, Most;
+    };
+    /// Reaches around X * x + Y * y at corners first to last.
+    Range OfCorners(std::int64_t first, std::int64_t last, double x, double y) const;
+    /// All differences to - from that edges first to last may have, with hardly any that they don't have. False when
+    /// there are too many.
+    bool TakeDirections(std::int64_t first, std::int64_t last, std::vector<Point> &directions) const;
+
+    /// How many edges there are before the one that closes the outline; the first has number 1.
+    std::int64_t Edges() const { return form_.HasDirection() ? angles_.Count() : 0; }
+    /// Calls edge(from, to) for edges first to last, at most CornerBlock of them, edge i leading to corner i.
+    /// Stops when edge gives false, and then gives false.
+    template <class Edge>
+    bool ForEachOf(std::int64_t first, std::int64_t last, Edge &&edge) const {
+        return WalkFew(first, last, edge);
+    }
+    /// The edge that closes the outline.
+    template <class Edge>
+    bool Close(Edge &&edge) const {
+        return edge(CornerNumber(Edges()), first_);
+    }
+    /// False when nothing of edges first to last meets the region.
+    bool MayMeet(std::int64_t first, std::int64_t last, const Region &region) const;
+
     /// Calls edge(from, to) for each pair of consecutive corners that may meet the region, in order, the last one
     /// from the last corner to the first. Stops when edge gives false.
     template <class Edge>
     void ForEachEdge(const Region &region, Edge &&edge) const {
-        const bool goesOn = !form_.HasDirection() || Walk(1, angles_.Count(), region, edge);
-        if (goesOn)
-            edge(CornerNumber(form_.HasDirection() ? angles_.Count() : 0), first_);
+        if (Walk(1, Edges(), region, edge))
+            Close(edge);
     }
 
 private:
@@ -89,7 +113,11 @@ private:
         return true;
     }
 
-    bool MayMeet(std::int64_t first, std::int64_t last, const Region &region) const;
+    /// How far a corner lies from the ellipse at most, in x or y: by one rounding, or by one before and one after it
+    /// is turned.
+    double RoundingOfCorners() const { return form_.IsTurned ? 1.2072 : 0.5001; }
+    bool TakeTurned(std::int64_t first, std::int64_t last, Point direction, std::vector<Point> &directions) const;
+    Range OfSine(double alongA, double alongB, double begin, double end) const;
 
     EllipseForm form_;
     Point centre_;

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "Coordinates/Angle.h"
+#include "Drawing/CornerRounding.h"
 #include "Image/KernelLevel.h"
 
 namespace Drawing {
@@ -17,21 +18,6 @@ double StepOf(double radius) {
 
 Corner Turned(const EllipseForm &form, double x, double y) {
     return {std::round(form.Turn.A11 * x + form.Turn.A12 * y), std::round(form.Turn.A21 * x + form.Turn.A22 * y)};
-}
-
-constexpr std::size_t LaneCount = 8;
-typedef Image::Vector<double, LaneCount * sizeof(double)> Lanes;
-typedef Image::Vector<std::int64_t, LaneCount * sizeof(double)> Flags;
-
-ORV_INLINE void Select(Lanes &out, const Flags &flags, const Lanes &ifSet, const Lanes &ifNot) {
-    out =
-        reinterpret_cast<Lanes>((reinterpret_cast<Flags>(ifSet) & flags) | (reinterpret_cast<Flags>(ifNot) & ~flags));
-}
-
-/// To the nearest whole number, halves to the even one.
-ORV_INLINE void RoundToEven(Lanes &value) {
-    constexpr double toWhole = 6755399441055744.0; // 1.5 * 2^52: adding and taking it away rounds
-    value = value + toWhole - toWhole;
 }
 
 /// Sine and cosine for a rest of at most an eighth of a turn, close to the last bits.
@@ -69,14 +55,6 @@ ORV_INLINE void QuickTurn(const Lanes &angle, Lanes &sine, Lanes &cosine) {
 /// Far more than the quick functions are ever off, far less than most products are from a half.
 constexpr double QuickError = 1e-13;
 
-/// Rounds, and flags what could be rounded another way if the value were off by the error.
-ORV_INLINE void RoundOrDoubt(Lanes &value, double error, Flags &doubts) {
-    const Lanes exact = value;
-    RoundToEven(value);
-    const Lanes difference = exact - value;
-    doubts |= difference * difference >= 0.25 - error;
-}
-
 /// A register of corners; not a number where one is in doubt.
 ORV_INLINE void QuickCorners(const EllipseForm &form, const double *angles, Lanes &x, Lanes &y) {
     Lanes angle, sine, cosine;
@@ -87,13 +65,8 @@ ORV_INLINE void QuickCorners(const EllipseForm &form, const double *angles, Lane
     Flags doubts = {};
     RoundOrDoubt(x, std::abs(form.A) * QuickError + QuickError, doubts);
     RoundOrDoubt(y, std::abs(form.B) * QuickError + QuickError, doubts);
-    if (form.IsTurned) {
-        const Lanes turnedX = form.Turn.A11 * x + form.Turn.A12 * y;
-        y = form.Turn.A21 * x + form.Turn.A22 * y;
-        x = turnedX;
-        RoundOrDoubt(x, 0, doubts);
-        RoundOrDoubt(y, 0, doubts);
-    }
+    if (form.IsTurned)
+        TurnOrDoubt(form, x, y, doubts);
     x = reinterpret_cast<Lanes>(reinterpret_cast<Flags>(x) | doubts);
 }
 
@@ -109,9 +82,11 @@ EllipseForm EllipseFormOf(std::int32_t radiusA, std::int32_t radiusB, double rot
     EllipseForm form = {};
     form.A = radiusA;
     form.B = radiusB;
-    form.Step = std::max(StepOf(form.A), StepOf(form.B));
+    form.Step = radiusA == radiusB ? StepOf(form.A) : std::max(StepOf(form.A), StepOf(form.B));
     form.IsTurned = rotationRadians != 0;
-    RotationMatrix(&form.Turn, rotationRadians * Coordinates::HalfTurnDegrees / Coordinates::Pi);
+    form.Turn = {1, 0, 0, 1};
+    if (form.IsTurned)
+        RotationMatrix(&form.Turn, rotationRadians * Coordinates::HalfTurnDegrees / Coordinates::Pi);
     return form;
 }
 

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
-#include "Drawing/EllipseOutline.h"
 #include "Drawing/LineSteps.h"
+#include "Drawing/NearCorners.h"
 
 namespace Drawing {
 namespace {
@@ -13,17 +14,6 @@ namespace {
 constexpr double GreatestRotation = 1e6; ///< in radians
 
 constexpr std::size_t KeptShapes = 8;
-struct KeptByThread {
-    std::array<EllipseShape, KeptShapes> Shapes;
-    std::array<EllipseKey, KeptShapes> Keys; ///< of no ellipse that IsKept before they are set
-    std::size_t Oldest = 0;
-
-    KeptByThread() { Keys.fill({-1, -1, 0}); }
-};
-KeptByThread &Kept() {
-    static thread_local KeptByThread kept;
-    return kept;
-}
 
 /// The pixels of PlainThinLine.
 void AppendLine(std::vector<EllipseShape::Offset> &pixels, Point from, Point to) {
@@ -52,37 +42,64 @@ bool EllipseShape::IsKept(const EllipseKey &key) {
            std::fabs(key.RotationRadians) <= GreatestRotation;
 }
 
+struct EllipseShape::KeptByThread {
+    std::array<EllipseShape, KeptShapes> Shapes;
+    std::array<EllipseKey, KeptShapes> Keys; ///< of no ellipse that IsKept before they are set
+    std::size_t Oldest = 0;
+
+    KeptByThread() { Keys.fill({-1, -1, 0}); }
+
+    EllipseShape *Find(const EllipseKey &key) {
+        for (std::size_t i = 0; i < KeptShapes; ++i)
+            if (Keys[i] == key)
+                return &Shapes[i];
+        return nullptr;
+    }
+    /// In place of the one that was added first.
+    EllipseShape &Add(const EllipseKey &key) {
+        const std::size_t place = std::exchange(Oldest, (Oldest + 1) % KeptShapes);
+        Keys[place] = key;
+        Shapes[place].isMade_ = false;
+        return Shapes[place];
+    }
+};
+
+EllipseShape::KeptByThread &EllipseShape::Kept() {
+    static thread_local KeptByThread kept;
+    return kept;
+}
+
 EllipseShape &EllipseShape::Of(const EllipseKey &key) {
-    KeptByThread &kept = Kept();
-    for (std::size_t i = 0; i < KeptShapes; ++i)
-        if (kept.Keys[i] == key)
-            return kept.Shapes[i];
-    const std::size_t place = kept.Oldest;
-    kept.Keys[place] = {-1, -1, 0};
-    kept.Shapes[place].Make(key);
-    kept.Keys[place] = key;
-    kept.Oldest = (place + 1) % KeptShapes;
-    return kept.Shapes[place];
+    EllipseShape *const found = Kept().Find(key);
+    EllipseShape &shape = found != nullptr ? *found : Kept().Add(key);
+    if (!shape.isMade_)
+        shape.Make(key);
+    return shape;
+}
+
+EllipseShape *EllipseShape::OfRepeated(const EllipseKey &key) {
+    EllipseShape *const found = Kept().Find(key);
+    if (found == nullptr)
+        Kept().Add(key);
+    else if (!found->isMade_)
+        found->Make(key);
+    return found;
 }
 
 void EllipseShape::Make(const EllipseKey &key) {
-    key_ = key;
     corners_.clear();
     pixels_.clear();
     spans_.reset();
     thick_.reset();
-    const EllipseOutline outline(EllipseFormOf(key.RadiusA, key.RadiusB, key.RotationRadians), {0, 0});
-    corners_.reserve(static_cast<std::size_t>(outline.Corners() + 1));
-    outline.ForEachEdge({}, [&](Point from, Point to) {
-        if (corners_.empty())
-            corners_.push_back(from);
-        corners_.push_back(to);
-        return true;
-    });
+    const NearCorners corners(EllipseFormOf(key.RadiusA, key.RadiusB, key.RotationRadians));
+    corners_.reserve(static_cast<std::size_t>(corners.Count + 1));
+    for (std::size_t i = 0; i <= static_cast<std::size_t>(corners.Count); ++i)
+        corners_.push_back({corners.X[i], corners.Y[i]});
     std::int64_t reach = 0;
     for (const Point &corner : corners_)
         reach = std::max({reach, std::abs(corner.X), std::abs(corner.Y)});
     reach_ = static_cast<std::int32_t>(reach);
+    isMade_ = true;
 }
 
 const std::vector<EllipseShape::Offset> &EllipseShape::Pixels() {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "Drawing/EllipsePoints.h"
+#include "Drawing/NearCorners.h"
 #include "Drawing/RowSpans.h"
 #include "Drawing/ThickShape.h"
 
@@ -26,13 +26,15 @@ public:
         std::int32_t X, Y;
     };
     /// The greatest radius of a shape that is kept.
-    static constexpr std::int32_t GreatestRadius = 2048;
+    static constexpr std::int32_t GreatestRadius = NearCorners::GreatestRadius;
 
     /// True for shapes small enough to be kept: the radii are limited, none is negative, and the rotation is a
     /// number.
     static bool IsKept(const EllipseKey &key);
     /// This thread's shape of a key that IsKept; valid until the next call on this thread.
     static EllipseShape &Of(const EllipseKey &key);
+    /// The same when the key is one of those asked for last, else null: what is drawn once is not worth a shape.
+    static EllipseShape *OfRepeated(const EllipseKey &key);
 
     /// No pixel is farther from the centre, in either direction.
     std::int32_t Reach() const { return reach_; }
@@ -46,9 +48,11 @@ public:
     const ThickShape &Thick(std::int32_t thickness);
 
 private:
+    struct KeptByThread;
+    static KeptByThread &Kept();
     void Make(const EllipseKey &key);
 
-    EllipseKey key_;
+    bool isMade_ = false;
     std::int32_t reach_ = 0;
     std::vector<Point> corners_; ///< empty until made
     std::vector<Offset> pixels_;

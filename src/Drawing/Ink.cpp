@@ -1,6 +1,9 @@
 #include "Drawing/Ink.h"
 
+#include <cstdlib>
+#include <limits>
 #include <stdexcept>
+#include <vector>
 
 #include "CheckedSize.h"
 #include "Image/TableSteps.h"
@@ -18,14 +21,28 @@ const char *HighestPixel(const DrawnPlane &plane) {
     return plane.Base + column + row;
 }
 
-/// A pixel that is stored in more bytes than it has is written whole where the columns leave it the room, and with
-/// its own bytes where the next pixel follows at once; the highest one has its own bytes in any case.
+/// The shortest way between two entries of an axis that are not equal; the longest one there is when all are.
+std::size_t ShortestStep(const VPAEntry *table, std::intptr_t VPAEntry::*axis, std::intptr_t count) {
+    std::vector<std::intptr_t> entries;
+    for (std::intptr_t i = 0; i < count; ++i)
+        entries.push_back(table[i].*axis);
+    std::sort(entries.begin(), entries.end());
+    std::size_t shortest = std::numeric_limits<std::size_t>::max();
+    for (std::size_t i = 1; i < entries.size(); ++i)
+        if (entries[i] != entries[i - 1])
+            shortest = std::min(shortest, orvBase::Magnitude(Image::Step(entries[i], entries[i - 1])));
+    return shortest;
+}
+
+/// A pixel that is stored in more bytes than it has is written whole where columns and rows leave it the room, and
+/// with its own bytes where the next pixel follows at once; the highest one has its own bytes in any case.
 void Trim(Canvas &canvas, std::intptr_t ownBytes) {
     const DrawnPlane &plane = canvas.Plane;
     if (plane.Width < 1 || plane.Height < 1)
         return;
-    const auto step = Image::CommonSteps({plane.Table, plane.Width, plane.Table, 0}).X;
-    const bool hasRoom = orvBase::Magnitude(step) >= static_cast<std::size_t>(canvas.Colour.Bytes);
+    const bool hasRoom = std::min(ShortestStep(plane.Table, &VPAEntry::XEntry, plane.Width),
+                                  ShortestStep(plane.Table, &VPAEntry::YEntry, plane.Height)) >=
+                         static_cast<std::size_t>(canvas.Colour.Bytes);
     canvas.TrimmedBytes = hasRoom ? canvas.Colour.Bytes : ownBytes;
     canvas.TrimmedEnd = HighestPixel(plane) + ownBytes;
 }
@@ -54,6 +71,29 @@ Canvas CanvasOf(const DrawnPlane &plane, const Pen &pen) {
     if (ownBytes != canvas.Colour.Bytes)
         Trim(canvas, ownBytes);
     return canvas;
+}
+
+/// Pixels of columns and rows that stand apart by multiples of the bytes of one lie on a grid of these bytes; and in
+/// steps, those of rows beyond the columns, or of columns beyond the rows, do not reach each other.
+bool HasSeparatePixels(const Canvas &canvas) {
+    const DrawnPlane &plane = canvas.Plane;
+    const std::intptr_t bytes = canvas.TrimmedBytes != 0 ? canvas.TrimmedBytes : canvas.Colour.Bytes;
+    if (bytes == 1 || plane.Width < 1 || plane.Height < 1)
+        return true;
+    const auto steps = Image::CommonSteps({plane.Table, plane.Width, plane.Table, plane.Height});
+    if (steps.X != 0 && steps.Y != 0 && steps.X % bytes == 0 && steps.Y % bytes == 0)
+        return true;
+    bool isGrid = true;
+    for (std::intptr_t x = 1; x < plane.Width && isGrid; ++x)
+        isGrid = Image::Step(plane.Table[x].XEntry, plane.Table[0].XEntry) % bytes == 0;
+    for (std::intptr_t y = 1; y < plane.Height && isGrid; ++y)
+        isGrid = Image::Step(plane.Table[y].YEntry, plane.Table[0].YEntry) % bytes == 0;
+    if (isGrid)
+        return true;
+    constexpr std::intptr_t most = std::intptr_t{1} << 31; // products of such steps and sizes fit their words
+    const std::intptr_t x = std::abs(steps.X), y = std::abs(steps.Y);
+    return x >= bytes && y >= bytes && x < most && y < most && plane.Width < most && plane.Height < most &&
+           (y >= x * (plane.Width - 1) + bytes || x >= y * (plane.Height - 1) + bytes);
 }
 
 } // namespace Drawing

@@ -45,6 +45,9 @@ struct Canvas {
     const char *TrimmedEnd = nullptr;
 };
 Canvas CanvasOf(const DrawnPlane &plane, const Pen &pen);
+/// True when any two pixels have either all bytes in common or none, so that the order of writing does not matter.
+/// Planes that are arranged otherwise are taken for ones where it does in doubt. Cost: one look at the whole table.
+bool HasSeparatePixels(const Canvas &canvas);
 
 template <class Word>
 struct Replacer {

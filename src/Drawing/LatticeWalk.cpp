@@ -1,7 +1,7 @@
 #include "Drawing/LatticeWalk.h"
 
 #include <numeric>
-#include <vector>
+#include <utility>
 
 #include "CheckedSize.h"
 
@@ -64,87 +64,100 @@ void WalkPixels(const Lattice &lattice, const LineSteps &steps, const AddressWay
     }
 }
 
-/// Offsets first, first + stride, ... up to last; the stride is positive.
-struct Run {
-    std::int64_t First, Last;
-};
+/// Lines with more pixels for each address of the plane's memory are drawn address by address.
+constexpr std::int64_t PixelsPerAddress = 8;
 
-/// Writes runs of addresses that lie equally far apart, but for what the runs just before have written.
-template <class Writer>
-class RunWriter {
+/// The addresses of a line one by one. Address c * Common from the first pixel of a piece is that of its pixel k,
+/// across by r, when k * along + r * across = c; and all solutions of that are (k + j * period, r - j * ...) for
+/// whole j. Pixel k is across by r when its remainder, which is linear in k and r, is one: so the pixels of an
+/// address are those of a range of j, and the first of them is found without a walk.
+class AddressTest {
 public:
-    RunWriter(const Lattice &lattice, std::int64_t stride, std::int64_t classes, const Writer &write)
-        : lattice_(lattice), stride_(stride), classBytes_(stride / classes), write_(write),
-          written_(static_cast<std::size_t>(classes), Run{0, -1}) {}
+    /// Counted from pixel first of the line, for addresses from multiple c of the common divisor on.
+    AddressTest(const LineSteps &steps, const AddressWay &way, const Piece &piece, WideInt c)
+        : whole_(2 * steps.Length()), part_(2 * steps.Rise()), sign_(way.Across < 0 ? -1 : 1),
+          count_(piece.End - piece.Begin) {
+        const std::int64_t common = std::gcd(way.Along, way.Across);
+        along_ = way.Along / common;
+        period_ = std::abs(way.Across) / common;
+        inverse_ = Inverse(along_, period_);
+        const WideInt residue = ((c % period_) + period_) % period_;
+        k_ = static_cast<std::int64_t>(residue * inverse_ % period_);
+        const WideInt across = sign_ * ((c - WideInt{k_} * along_) / period_);
+        remainder_ = steps.RemainderAt(piece.Begin) + WideInt{part_} * k_ - WideInt{whole_} * across;
+        perPeriod_ = WideInt{part_} * period_ + WideInt{whole_} * along_ * sign_;
+        const WideInt acrossPerAddress = sign_ * ((1 - WideInt{inverse_} * along_) / period_);
+        perAddress_ = WideInt{part_} * inverse_ - WideInt{whole_} * acrossPerAddress;
+    }
 
-    void Add(Run run) {
-        const std::int64_t residue = Residue(run.First);
-        Cut(run);
-        if (run.First > run.Last)
-            return;
-        Run &known = written_[static_cast<std::size_t>(residue / classBytes_)];
-        const bool isBeside =
-            known.First > known.Last || run.First > known.Last + stride_ || run.Last < known.First - stride_;
-        if (isBeside) {
-            Write(run);
-            known = run;
-            return;
+    /// True when a pixel of the piece has the address.
+    bool IsDrawn() const {
+        // The first j with a remainder on the right side of its limits; more only leads further away.
+        WideInt j = 0;
+        if (perPeriod_ > 0 && remainder_ < 0)
+            j = RoundedUp(-remainder_, perPeriod_);
+        else if (perPeriod_ < 0 && remainder_ >= whole_)
+            j = RoundedUp(remainder_ - whole_ + 1, -perPeriod_);
+        const WideInt reached = remainder_ + j * perPeriod_;
+        return reached >= 0 && reached < whole_ && k_ + j * period_ < count_;
+    }
+    void GoToNextAddress() {
+        k_ += inverse_;
+        remainder_ += perAddress_;
+        if (k_ >= period_) {
+            k_ -= period_;
+            remainder_ -= perPeriod_;
         }
-        Write({run.First, known.First - stride_});
-        Write({known.Last + stride_, run.Last});
-        known = {std::min(known.First, run.First), std::max(known.Last, run.Last)};
     }
 
 private:
-    std::int64_t Residue(std::int64_t offset) const {
-        const std::int64_t rest = offset % stride_;
-        return rest < 0 ? rest + stride_ : rest;
+    /// x with x * value = 1, modulo a number without a common divisor; below it.
+    static std::int64_t Inverse(std::int64_t value, std::int64_t modulus) {
+        std::int64_t rest = modulus, next = ((value % modulus) + modulus) % modulus, factor = 0, nextFactor = 1;
+        while (next != 0) {
+            const std::int64_t quotient = rest / next;
+            rest = std::exchange(next, rest - quotient * next);
+            factor = std::exchange(nextFactor, factor - quotient * nextFactor);
+        }
+        return ((factor % modulus) + modulus) % modulus;
     }
-    /// To the memory of the plane.
-    void Cut(Run &run) const {
-        if (run.First < lattice_.Lowest)
-            run.First += (lattice_.Lowest - run.First + stride_ - 1) / stride_ * stride_;
-        if (run.Last > lattice_.Highest)
-            run.Last -= (run.Last - lattice_.Highest + stride_ - 1) / stride_ * stride_;
-    }
-    void Write(Run run) const {
-        for (std::int64_t offset = run.First; offset <= run.Last; offset += stride_)
-            write_(lattice_.First + offset);
+    static WideInt RoundedUp(WideInt dividend, WideInt divisor) {
+        constexpr WideInt word = INT64_MAX / 2;
+        if (dividend > word || divisor > word)
+            return (dividend + divisor - 1) / divisor;
+        return (static_cast<std::int64_t>(dividend) + static_cast<std::int64_t>(divisor) - 1) /
+               static_cast<std::int64_t>(divisor);
     }
 
-    const Lattice &lattice_;
-    std::int64_t stride_, classBytes_;
-    const Writer &write_;
-    std::vector<Run> written_; ///< by the residue of the offset
+    std::int64_t whole_, part_, sign_;
+    std::int64_t count_;  ///< pixels
+    std::int64_t along_;  ///< steps in common divisors
+    std::int64_t period_; ///< pixels from one j to the next
+    std::int64_t inverse_;
+    std::int64_t k_;    ///< of j = 0: the only one below the period
+    WideInt remainder_; ///< of j = 0
+    WideInt perPeriod_, perAddress_;
 };
 
-/// Lines that stay in the memory of the plane for longer than this go over the same addresses again and again.
-constexpr std::int64_t LongWalk = std::int64_t{1} << 22;
-constexpr std::int64_t MostClasses = 64;
-
-/// How many residues the runs of a line have; 0 when the order of writing may matter or they are too many.
-std::int64_t RunClasses(const AddressWay &way, std::intptr_t pixelBytes) {
-    const std::int64_t stride = std::abs(way.Along), common = std::gcd(way.Along, way.Across);
-    return common >= pixelBytes && stride / common <= MostClasses ? stride / common : 0;
+/// Address by address, from the lowest on.
+template <class Writer>
+void WalkAddresses(const Lattice &lattice, const LineSteps &steps, const AddressWay &way, const Piece &piece,
+                   const Writer &write) {
+    const std::int64_t common = std::gcd(way.Along, way.Across), start = OffsetAt(steps, way, piece.Begin);
+    const auto c = static_cast<std::int64_t>(-FloorQuotient(WideInt{start} - lattice.Lowest, common));
+    AddressTest test(steps, way, piece, c);
+    for (std::int64_t offset = start + c * common; offset <= lattice.Highest; offset += common) {
+        if (test.IsDrawn())
+            write(lattice.First + offset);
+        test.GoToNextAddress();
+    }
 }
 
-/// Run by run: between two steps across, addresses lie equally far apart.
-template <class Writer>
-void WalkRuns(const Lattice &lattice, const LineSteps &steps, const AddressWay &way, const Piece &piece,
-              std::int64_t classes, const Writer &write) {
-    RunWriter<Writer> runs(lattice, std::abs(way.Along), classes, write);
-    const std::int64_t whole = 2 * steps.Length(), part = 2 * steps.Rise();
-    std::int64_t remainder = steps.RemainderAt(piece.Begin);
-    std::int64_t offset = OffsetAt(steps, way, piece.Begin);
-    for (std::int64_t k = piece.Begin; k < piece.End;) {
-        const std::int64_t toRise = part == 0 ? piece.End - k : (whole - remainder + part - 1) / part;
-        const std::int64_t count = std::min(toRise, piece.End - k);
-        const std::int64_t last = offset + (count - 1) * way.Along;
-        runs.Add({std::min(offset, last), std::max(offset, last)});
-        remainder += count * part - whole;
-        offset += count * way.Along + way.Across;
-        k += count;
-    }
+/// Whether it is quicker to go from address to address, of which no two share bytes.
+bool HasFewAddresses(const Lattice &lattice, const AddressWay &way, const Piece &piece, std::intptr_t pixelBytes) {
+    const std::int64_t common = std::gcd(way.Along, way.Across);
+    const WideInt addresses = (WideInt{lattice.Highest} - lattice.Lowest) / common + 1;
+    return common >= pixelBytes && addresses * PixelsPerAddress < piece.End - piece.Begin;
 }
 
 } // namespace
@@ -154,10 +167,10 @@ void WalkLattice(const Canvas &canvas, const Lattice &lattice, const LineSteps &
     const Piece piece = MayBeHeld(lattice, steps, way);
     if (piece.Begin == piece.End)
         return;
-    const std::int64_t classes = piece.End - piece.Begin > LongWalk ? RunClasses(way, canvas.Colour.Bytes) : 0;
+    const bool isByAddress = HasFewAddresses(lattice, way, piece, canvas.Colour.Bytes);
     WithWriter(canvas, [&](const auto &write) {
-        if (classes != 0)
-            WalkRuns(lattice, steps, way, piece, classes, write);
+        if (isByAddress)
+            WalkAddresses(lattice, steps, way, piece, write);
         else
             WalkPixels(lattice, steps, way, piece, write);
     });

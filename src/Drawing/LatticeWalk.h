@@ -6,7 +6,8 @@
 namespace Drawing {
 
 /// Writes the pixels of a line whose address lies in the memory of the plane. Steps that can't lead there are left
-/// out, and so are those of a long line that only come back to where it has written already.
+/// out. Of a line that stays there for far more steps than there are addresses, each address is asked whether some
+/// step leads to it.
 void WalkLattice(const Canvas &canvas, const Lattice &lattice, const LineSteps &steps);
 
 } // namespace Drawing

@@ -1,6 +1,8 @@
 // Writing of pixels that lie side by side in a row.
 #pragma once
 
+#include <cstdlib>
+
 #include "Drawing/Ink.h"
 #include "Image/VectorRegisters.h"
 
@@ -49,6 +51,19 @@ ORV_INLINE void FillDense(char *target, std::intptr_t bytes, const Writer &write
     for (; target < last; target += width)
         WriteRegister<RegisterBytes>(target, write);
     WriteRegister<RegisterBytes>(last, write);
+}
+
+/// Columns left to right of a row, both included; none when left is above right. columns reach around them.
+template <class Writer>
+void FillRow(const DrawnPlane &plane, const ColumnRange &columns, std::int64_t y, std::int64_t left,
+             std::int64_t right, const Writer &write) {
+    char *row = plane.Row(y);
+    if constexpr (Writer::Bytes != 0)
+        if (std::abs(columns.Step) == Writer::Bytes && left <= right)
+            return FillDense<64>(row + plane.Table[columns.Step < 0 ? right : left].XEntry,
+                                 (right - left + 1) * Writer::Bytes, write);
+    for (std::int64_t x = left; x <= right; ++x)
+        write(row + plane.Table[x].XEntry);
 }
 
 } // namespace Drawing

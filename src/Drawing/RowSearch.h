@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -32,7 +33,7 @@ public:
 private:
     static constexpr std::intptr_t FewPixels = 16;
     static constexpr std::intptr_t BlockPixels = 64;
-    static constexpr std::intptr_t LongBlock = 256;
+    static constexpr std::intptr_t LongBlock = 512;
     using Pixel = decltype(std::declval<const Row &>().Get(0));
     /// As wide as a pixel, so that the loops over a block fill the registers.
     using Index =
@@ -61,9 +62,17 @@ private:
     /// Whether, where first and where last a block has a wanted pixel.
     template <bool Wanted, std::intptr_t Count>
     ORV_INLINE static bool IsIn(const Row &row, const Boundary &boundary, std::intptr_t x) {
-        Index found = 0;
-        for (std::intptr_t i = 0; i < Count; ++i)
-            found = static_cast<Index>(found | static_cast<Index>(boundary(row.Get(x + i)) == Wanted));
+        Index flags[BlockPixels] = {};
+        for (std::intptr_t block = 0; block < Count; block += BlockPixels)
+            for (std::intptr_t i = 0; i < BlockPixels; ++i)
+                flags[i] =
+                    static_cast<Index>(flags[i] | static_cast<Index>(boundary(row.Get(x + block + i)) == Wanted));
+        // Wide words take fewer steps to add up.
+        std::uint64_t words[BlockPixels * sizeof(Index) / 8], found = 0;
+        static_assert(sizeof words == sizeof flags);
+        std::memcpy(words, flags, sizeof flags);
+        for (const std::uint64_t word : words)
+            found |= word;
         return found != 0;
     }
     template <bool Wanted>

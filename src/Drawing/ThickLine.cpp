@@ -10,8 +10,13 @@ namespace {
 
 using Vector2D = CornerPosition;
 
+/// No number is the lowest integer of 32 bits; numbers beyond these are kept, so that what they lead to is drawn.
+std::int64_t Truncated(double position) {
+    return std::isnan(position) ? orvBase::TruncateTo<std::int32_t>(position)
+                                : orvBase::TruncateTo<std::int64_t>(position);
+}
 Point Truncated(const CornerPosition &corner) {
-    return {orvBase::TruncateTo<std::int32_t>(corner.X), orvBase::TruncateTo<std::int32_t>(corner.Y)};
+    return {Truncated(corner.X), Truncated(corner.Y)};
 }
 
 } // namespace

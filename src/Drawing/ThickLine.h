@@ -14,8 +14,8 @@ struct CornerPosition {
 };
 std::array<CornerPosition, 4> ThickLineCornerPositions(Point from, Point to, std::int32_t thickness);
 
-/// The corners of the rectangle in its order. A line without a length has no direction: its corners, and those beyond
-/// 32 bits, are the lowest 32-bit integer.
+/// The corners of the rectangle in its order, also beyond 32 bits. A line without a length has no direction: its
+/// corners are the lowest 32-bit integer.
 std::array<Point, 4> ThickLineCorners(Point from, Point to, std::int32_t thickness);
 
 /// Result  true when that has written every pixel of the image.

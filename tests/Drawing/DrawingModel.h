@@ -80,13 +80,13 @@ public:
     }
     std::uint64_t Read(std::int64_t x, std::int64_t y) const {
         std::uint64_t word = 0;
-        std::memcpy(&word, memory.data() + Place(x, y), static_cast<std::size_t>(bytes));
+        std::memcpy(&word, memory.data() + Place(x, y), static_cast<std::size_t>(CountAt(Place(x, y))));
         return word;
     }
 
     void WriteAt(std::intptr_t place, const Ink &ink) {
         const std::uint64_t word = WordFor(ink.Value, type);
-        for (std::intptr_t i = 0; i < bytes; ++i) {
+        for (std::intptr_t i = 0; i < CountAt(place); ++i) {
             auto &byte = memory[static_cast<std::size_t>(place + i)];
             const auto part = static_cast<std::uint8_t>(word >> (8 * i));
             if (ink.Mode == 0 || (type & DataTypeFloat) != 0)
@@ -94,6 +94,9 @@ public:
             else
                 byte = static_cast<std::uint8_t>(ink.Mode == 1 ? byte & part : byte | part);
         }
+    }
+    void WriteWord(std::intptr_t place, std::uint64_t word) {
+        std::memcpy(memory.data() + place, &word, static_cast<std::size_t>(CountAt(place)));
     }
     /// A pixel of a thin line: evenly spaced planes ask only whether its address is one of theirs.
     void PlotThin(std::int64_t x, std::int64_t y, const Ink &ink) {
@@ -108,6 +111,13 @@ public:
     }
 
 private:
+    /// The bytes that a pixel is stored in; the highest one has only as many as its bits need, since what lies behind
+    /// it may be nobody's.
+    std::intptr_t CountAt(std::intptr_t place) const {
+        const auto own = static_cast<std::intptr_t>(((type & DataTypeBitsMask) + 7) / 8);
+        return std::min(bytes, Highest() + own - place);
+    }
+
     ImageSize size;
     TDataType type;
     std::intptr_t bytes;

@@ -135,4 +135,46 @@ TEST(ThinLine, EndsForLinesFromLimitToLimit) {
     }
 }
 
+/// Lines that nearly go along the rows of memory, with steps of all signs, are drawn address by address.
+TEST(ThinLine, WritesALineThatHardlyLeavesTheMemoryAsTheWalkDoes) {
+    Random random(8);
+    std::int64_t written = 0;
+    for (int number = 0; number < 300; ++number) {
+        constexpr Layout layouts[] = {Layout::Dense,  Layout::BottomUp,    Layout::Mirrored,
+                                      Layout::Padded, Layout::Interleaved, Layout::Transposed};
+        const TDataType type = Types[static_cast<std::size_t>(Pick(random, 0, std::size(Types) - 1))];
+        FencedPlane fenced(layouts[number % 6], Pick(random, 2, 14), Pick(random, 2, 9), type, random);
+        std::vector<char> expected = fenced.Memory(), actual = fenced.Memory();
+        const ModelPen model(fenced, expected, {0, 77});
+        // A pixel up for as many to the side as bytes of a row have room for.
+        const std::int64_t length = Pick(random, 3000, 60000), sign = Pick(random, 0, 1) * 2 - 1;
+        const bool isAlongX = std::abs(fenced.XStep()) < std::abs(fenced.YStep());
+        const std::int64_t along = isAlongX ? fenced.XStep() : fenced.YStep(),
+                           across = isAlongX ? fenced.YStep() : fenced.XStep();
+        const std::int64_t rise = -length * along / across + Pick(random, -1, 1);
+        const Point from = {Pick(random, -3, 9), Pick(random, -3, 9)};
+        const Point to = isAlongX ? Point{from.X + sign * length, from.Y + sign * rise}
+                                  : Point{from.X + sign * rise, from.Y + sign * length};
+        model.ThinLine(from, to);
+        const Drawing::Canvas canvas = Drawing::CanvasOf(fenced.OnMemory(actual), {0, 77});
+        Drawing::LinePlane plane(canvas);
+        Drawing::DrawThinLine(plane, from, to);
+        ASSERT_EQ(actual, expected) << "case " << number;
+        written += expected != fenced.Memory() ? 1 : 0;
+    }
+    EXPECT_GT(written, 100);
+}
+
+/// A walk over its pixels would take a minute.
+TEST(ThinLine, EndsForTheLongestLineThatStaysInTheMemory) {
+    Random random(9);
+    FencedPlane fenced(Layout::Dense, 65521, 8, 8, random);
+    std::vector<char> memory = fenced.Memory();
+    const Drawing::Canvas canvas = Drawing::CanvasOf(fenced.OnMemory(memory), {0, 77});
+    for (int number = 0; number < 10; ++number) {
+        Drawing::LinePlane plane(canvas);
+        Drawing::DrawThinLine(plane, {Lowest, 4 + 32777 - number}, {Highest, 4 - 32777 + number});
+    }
+}
+
 } // namespace
