@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "Image/CopyMethods.h"
+#include "Image/DuplicateImage.h"
 #include "ImageCopies.h"
 #include "ImageQueries.h"
 #include "InterfaceHandling.h"
@@ -90,28 +91,40 @@ bool FillDuplicate(const Interface::ImageHolder &source, void *target) {
     return copied != 0;
 }
 
-} // namespace
-} // namespace Image
+DuplicateTarget MakeCompatible(void *image) {
+    DuplicateTarget target;
+    if (!CreateCompatibleImage(image, 0, 0, 0, &target.Handle))
+        target.Handle = nullptr;
+    return target;
+}
 
-int32_t CreateDuplicateImage(void *image, void **result) {
-    using namespace Image;
+} // namespace
+
+std::int32_t Duplicate(void *image, DuplicateTarget (*make)(void *image), void **result) {
     const Interface::ImageHolder source = Interface::GuardImage(image, FunctionName);
     if (!source.IsValid())
         return 0;
-    void *target = nullptr;
+    DuplicateTarget target;
     bool filled = false;
     try {
-        const bool made = CreateCompatibleImage(image, 0, 0, 0, &target) && target != nullptr && result != nullptr;
+        target = make(image);
+        const bool made = target.Handle != nullptr && result != nullptr;
         if (!made)
             ReportORVError(ErrGeneral, FunctionName);
-        filled = made && FillDuplicate(source, target);
+        filled = made && (target.IsFilled || FillDuplicate(source, target.Handle));
     } catch (...) {
         ReportORVError(ErrGeneral, FunctionName);
     }
     if (!filled) {
-        ReleaseObject(target);
+        ReleaseObject(target.Handle);
         return 0;
     }
-    *result = target;
+    *result = target.Handle;
     return 1;
+}
+
+} // namespace Image
+
+int32_t CreateDuplicateImage(void *image, void **result) {
+    return Image::Duplicate(image, Image::MakeCompatible, result);
 }

@@ -34,6 +34,12 @@ public:
     TSList *PlaneList() const;
     TIImageVPA *Interface() const { return interface_.get(); }
 
+    /// A list's body, then width and height in 4 bytes each, then the coordinate map. A loaded tree may be of any
+    /// shape: whoever loads it looks at it before it becomes an image.
+    void Load(CtkStream &stream) override;
+    void Store(CtkStream &stream) override;
+    void Replicate(TSList &source) override;
+
     TCoordinateMap Coordinates;
 
 private:
@@ -63,6 +69,8 @@ public:
     TBuffer *PixelBuffer() const { return pixels_; }
     /// Null as long as the tree is empty.
     TDIBInfo *Info() const;
+    /// An image's body. The pixel buffer is the first child of the first plane, where there is one.
+    void Load(CtkStream &stream) override;
 
 private:
     std::uint32_t levelTag_ = 31;

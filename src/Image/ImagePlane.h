@@ -19,7 +19,19 @@ public:
     /// The data node's address, asked at every access; null without a data node.
     void *PixelBase() const;
 
+    /// The table stands in a stream with entries of 32 bits, whatever is above them cut off; behind it stands the
+    /// data type. A loaded plane keeps such a table until WidenTable.
+    void Load(CtkStream &stream) override;
+    void Store(CtkStream &stream) override;
+    /// Copies the bytes of a plane, its data type, and the data node.
+    void Replicate(TSList &source) override;
+    /// Makes the entries of a loaded table full words, signs kept; once, however often it is called.
+    void WidenTable();
+
     TDataType Datatype = 0;
+
+private:
+    bool isNarrow_ = false;
 };
 
 /// The description of a bitmap: header and, for 8 bits, a palette block.
@@ -41,6 +53,11 @@ public:
     /// Writes the palette of an 8-bit bitmap when the mode changes. i & overlayMask tells overlay values of i apart.
     void SetPaletteMode(std::int32_t mode, std::uint32_t overlayMask);
     std::int32_t GetPaletteMode() const { return paletteMode_; }
+
+    /// A buffer's body, then the palette mode in 4 bytes.
+    void Load(CtkStream &stream) override;
+    void Store(CtkStream &stream) override;
+    void Replicate(TSList &source) override;
 
 private:
     std::int32_t paletteMode_ = -1;

@@ -101,6 +101,13 @@ inline pOLE::IImageVPA *Borrow(void *handle) {
     return nullptr;
 }
 
+/// The same for handles of one of these classes only.
+inline pOLE::IImageVPA *BorrowAs(BorrowableClass which, void *handle) {
+    const BorrowableEntry &entry = borrowableClasses[static_cast<std::size_t>(which)];
+    const bool isOne = handle != nullptr && entry.ClassWord.load(std::memory_order_acquire) == ClassWordOf(handle);
+    return isOne ? Borrow(handle) : nullptr;
+}
+
 /// As GuardImage, for a call that keeps nothing of the image when it ends.
 inline ImageForCall GuardCall(void *handle, const char *functionName) {
     if (pOLE::IImageVPA *image = Borrow(handle))

@@ -32,6 +32,10 @@ FileDescriptor FileDescriptor::OpenForWriting(const char *path) {
     return FileDescriptor(open(path, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666));
 }
 
+FileDescriptor FileDescriptor::MakeNew(const char *path) {
+    return FileDescriptor(open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, 0666));
+}
+
 bool FileDescriptor::GetRegularFileSize(std::uint64_t &bytes) const {
     struct stat status;
     if (fstat(number_, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0)
@@ -57,6 +61,14 @@ bool FileDescriptor::WriteAt(std::uint64_t offset, const void *source, std::size
                return pwrite(number_, static_cast<const char *>(source) + done, count - done,
                              static_cast<off_t>(offset + done));
            }) == count;
+}
+
+bool FileDescriptor::SetRights(unsigned rights) const {
+    return fchmod(number_, static_cast<mode_t>(rights)) == 0;
+}
+
+bool FileDescriptor::Sync() const {
+    return fdatasync(number_) == 0;
 }
 
 bool FileDescriptor::SetFileSize(std::uint64_t bytes) const {

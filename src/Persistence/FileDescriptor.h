@@ -14,6 +14,8 @@ public:
     /// Opens for writing from the front on; makes the file, or keeps what is there until it is written over. Not open
     /// when that fails.
     static FileDescriptor OpenForWriting(const char *path);
+    /// Makes a file that is not there yet, for writing. Not open when that fails.
+    static FileDescriptor MakeNew(const char *path);
 
     FileDescriptor(FileDescriptor &&other) noexcept : number_(std::exchange(other.number_, Closed)) {}
     FileDescriptor &operator=(FileDescriptor &&) = delete;
@@ -28,6 +30,10 @@ public:
     bool Write(const void *source, std::size_t count) const;
     /// Writes at an offset. False when not all was written.
     bool WriteAt(std::uint64_t offset, const void *source, std::size_t count) const;
+    /// Gives the file these rights.
+    bool SetRights(unsigned rights) const;
+    /// Has the system store what was written, so that a new name for the file never leads to less.
+    bool Sync() const;
     /// Cuts the file, or makes it longer with zeros.
     bool SetFileSize(std::uint64_t bytes) const;
     /// False when the system reports at the last moment that something was not written.

@@ -7,17 +7,21 @@
 #include "Persistence/BmpReader.h"
 #include "Persistence/FileExtension.h"
 #include "Persistence/FilePlugin.h"
+#include "Persistence/LmgFile.h"
 
 namespace {
 
 constexpr const char *FunctionName = "LoadImageFile";
 
-/// Formats that are read in this library.
+/// What is read in this library, and drivers, which are named by their own file.
 struct BuiltInReader {
     std::string_view Extension;
     void *(*Load)(const char *path);
 };
-constexpr BuiltInReader BuiltInReaders[] = {{".bmp", Persistence::LoadBmp}};
+constexpr BuiltInReader BuiltInReaders[] = {{".bmp", Persistence::LoadBmp},
+                                            {".lmg", Persistence::LoadLmg},
+                                            {".so", Persistence::LoadThroughDriver},
+                                            {".gdv", Persistence::LoadThroughDriver}};
 
 void *LoadByExtension(const std::string &extension, const char *path) {
     for (const BuiltInReader &reader : BuiltInReaders)

@@ -5,6 +5,7 @@
 #include "Persistence/BmpWriter.h"
 #include "Persistence/FileExtension.h"
 #include "Persistence/FilePlugin.h"
+#include "Persistence/LmgFile.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ struct BuiltInWriter {
     std::string_view Extension;
     bool (*Write)(void *image, const char *path);
 };
-constexpr BuiltInWriter BuiltInWriters[] = {{".BMP", Persistence::WriteBmp}};
+constexpr BuiltInWriter BuiltInWriters[] = {{".BMP", Persistence::WriteBmp}, {".LMG", Persistence::WriteLmg}};
 
 } // namespace
 
@@ -30,5 +31,5 @@ bool WriteImageFile(void *image, const char *path) {
 }
 
 bool WriteLossyImageFile(void *image, const char *path, double quality) {
-    return IsImage(image) && Persistence::WriteLossyThroughPlugin(image, path, quality);
+    return path != nullptr && IsImage(image) && Persistence::WriteLossyThroughPlugin(image, path, quality);
 }

@@ -33,6 +33,18 @@ bool LoadsQuietly(const std::string &path) {
     return loaded;
 }
 
+/// True when a load fails with the loader's message about the missing plug-in, in a line of its own.
+bool AsksThePlugin(const std::string &path) {
+    ClearReports();
+    testing::internal::CaptureStderr();
+    void *image = UntouchedPointer();
+    const bool loaded = LoadImageFile(path.c_str(), &image);
+    const std::string message = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(image, nullptr);
+    ExpectNoReport();
+    return !loaded && message.find("libORVFile.so") != std::string::npos && message.back() == '\n';
+}
+
 bool WritesQuietly(void *image, const std::string &path) {
     ClearReports();
     testing::internal::CaptureStderr();
@@ -45,6 +57,11 @@ bool WritesQuietly(void *image, const std::string &path) {
 bool LoadsUnderTheName(const std::string &name) {
     const TemporaryPath path(name, SmallFile());
     return LoadsQuietly(path.String());
+}
+
+bool AsksThePluginUnderTheName(const std::string &name) {
+    const TemporaryPath path(name, SmallFile());
+    return AsksThePlugin(path.String());
 }
 
 TEST(LoadImageFile, ReportsANullPathAndAnEmptyPath) {
@@ -72,19 +89,19 @@ TEST(LoadImageFile, ReadsABitmapUnderAnyMixOfCases) {
 }
 
 TEST(LoadImageFile, StartsTheExtensionAtTheFirstDotOfTheName) {
-    EXPECT_FALSE(LoadsUnderTheName("a.b.bmp"));
-    EXPECT_FALSE(LoadsUnderTheName("a..bmp"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a.b.bmp"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a..bmp"));
     EXPECT_TRUE(LoadsUnderTheName("a.bmp.b"));
     EXPECT_TRUE(LoadsUnderTheName("a.bmp."));
     EXPECT_TRUE(LoadsUnderTheName("a.bmp.."));
 }
 
 TEST(LoadImageFile, ComparesTheExtensionExactly) {
-    EXPECT_FALSE(LoadsUnderTheName("a.bm"));
-    EXPECT_FALSE(LoadsUnderTheName("a.bmpx"));
-    EXPECT_FALSE(LoadsUnderTheName("a. bmp"));
-    EXPECT_FALSE(LoadsUnderTheName("a."));
-    EXPECT_FALSE(LoadsUnderTheName("a.png"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a.bm"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a.bmpx"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a. bmp"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a."));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a.png"));
 }
 
 TEST(LoadImageFile, IgnoresDotsInFrontOfTheLastSeparator) {
@@ -96,13 +113,13 @@ TEST(LoadImageFile, IgnoresDotsInFrontOfTheLastSeparator) {
     std::filesystem::copy(file.String(), folder.String() + "/.bmp");
     EXPECT_TRUE(LoadsQuietly(folder.String() + "/.bmp"));
     std::filesystem::copy(file.String(), folder.String() + "/bmp");
-    EXPECT_FALSE(LoadsQuietly(folder.String() + "/bmp"));
+    EXPECT_TRUE(AsksThePlugin(folder.String() + "/bmp"));
 }
 
 TEST(LoadImageFile, TakesABackslashForASeparatorToo) {
     EXPECT_TRUE(LoadsUnderTheName("a.b\\c.bmp"));
-    EXPECT_FALSE(LoadsUnderTheName("a.bmp\\c"));
-    EXPECT_FALSE(LoadsUnderTheName("a.bmp\\c.d"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a.bmp\\c"));
+    EXPECT_TRUE(AsksThePluginUnderTheName("a.bmp\\c.d"));
 }
 
 TEST(LoadImageFile, ReadsARelativeNameWithoutAFolder) {
@@ -143,17 +160,22 @@ TEST(LoadImageFile, RaisesForANameWithoutADotBehindASeparatorAtTheFront) {
     ExpectRaises("/");
 }
 
-TEST(LoadImageFile, FailsQuietlyForANameWithoutADotInAFolder) {
-    EXPECT_FALSE(LoadsUnderTheName("noextension"));
-    EXPECT_FALSE(LoadsQuietly("./noextension"));
-    EXPECT_FALSE(LoadsQuietly("../noextension"));
-    EXPECT_FALSE(LoadsQuietly("folder.bmp/noextension"));
-    EXPECT_FALSE(LoadsQuietly("x/"));
+TEST(LoadImageFile, AsksThePluginForANameWithoutADotInAFolder) {
+    EXPECT_TRUE(AsksThePluginUnderTheName("noextension"));
+    EXPECT_TRUE(AsksThePlugin("./noextension"));
+    EXPECT_TRUE(AsksThePlugin("../noextension"));
+    EXPECT_TRUE(AsksThePlugin("folder.bmp/noextension"));
+    EXPECT_TRUE(AsksThePlugin("x/"));
 }
 
-TEST(LoadImageFile, FailsQuietlyForDriversNativeFilesAndFormatsOfThePlugin) {
-    for (const char *const name : {"a.lmg", "a.LMG", "a.so", "a.gdv", "a.png", "a.jpg", "a.tif"})
+TEST(LoadImageFile, FailsQuietlyForWhatIsNoDriverAndNoNativeFile) {
+    for (const char *const name : {"a.lmg", "a.LMG", "a.so", "a.gdv", "a.GDV"})
         EXPECT_FALSE(LoadsUnderTheName(name)) << name;
+}
+
+TEST(LoadImageFile, AsksThePluginForAllOtherFormats) {
+    for (const char *const name : {"a.png", "a.jpg", "a.tif", "a.so6", "a.lmgx"})
+        EXPECT_TRUE(AsksThePluginUnderTheName(name)) << name;
 }
 
 TEST(LoadImageFile, FailsQuietlyForWhatIsNoReadableFile) {
@@ -188,7 +210,8 @@ TEST(LoadImageFile, DoesNotWaitForTheWriterOfAPipe) {
 
 TEST(WriteImageFile, TakesTheLastFourCharactersWithoutRegardToCase) {
     const Handle image = SmallImage();
-    for (const char *const name : {"a.bmp", "a.BMP", "a.bMp", "a.b.bmp", ".bmp", "a..BMP"}) {
+    for (const char *const name :
+         {"a.bmp", "a.BMP", "a.bMp", "a.b.bmp", ".bmp", "a..BMP", "a.lmg", "a.LMG", "a.b.Lmg"}) {
         const TemporaryPath path(name);
         EXPECT_TRUE(WritesQuietly(image.Get(), path.String())) << name;
         EXPECT_TRUE(path.Exists());
@@ -197,7 +220,7 @@ TEST(WriteImageFile, TakesTheLastFourCharactersWithoutRegardToCase) {
 
 TEST(WriteImageFile, MakesNoFileForAnyOtherName) {
     const Handle image = SmallImage();
-    for (const char *const name : {"abmp", "a.bm", "a.bmp.", "a.bmpx", "a.lmg", "a.LMG", "a.png", "noextension"}) {
+    for (const char *const name : {"abmp", "a.bm", "a.bmp.", "a.bmpx", "a.lmg.", "a.png", "noextension"}) {
         const TemporaryPath path(name);
         EXPECT_FALSE(WritesQuietly(image.Get(), path.String())) << name;
         EXPECT_FALSE(path.Exists());
@@ -219,12 +242,23 @@ TEST(WriteImageFile, FailsForANullImageAndANullPath) {
 
 TEST(WriteImageFile, FailsForForeignHandles) {
     for (const ForeignHandle &foreign : ForeignHandles())
-        for (const char *const name : {"a.bmp", "a.lmg", "a.png"}) {
+        for (const char *const name : {"a.bmp", "a.png"}) {
             const TemporaryPath path(name);
             EXPECT_FALSE(WritesQuietly(foreign.Get(), path.String())) << foreign.Name;
             EXPECT_FALSE(path.Exists());
             EXPECT_EQ(foreign.Count(), 1);
         }
+}
+
+TEST(WriteImageFile, LeavesTheReportOfTheDuplicateForAForeignHandleAndANativeFile) {
+    for (const ForeignHandle &foreign : ForeignHandles()) {
+        const TemporaryPath path("a.lmg");
+        ClearReports();
+        EXPECT_FALSE(WriteImageFile(foreign.Get(), path.Get())) << foreign.Name;
+        EXPECT_FALSE(path.Exists());
+        EXPECT_EQ(foreign.Count(), 1);
+        ExpectOneReport(ErrNotAnImage, "CreateDuplicateImage");
+    }
 }
 
 TEST(WriteLossyImageFile, FailsForEveryImageAndName) {

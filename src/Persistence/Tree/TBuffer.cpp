@@ -1,8 +1,13 @@
 #include "Persistence/Tree/TBuffer.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <utility>
+
+#include "Persistence/Tree/ObjectStream.h"
+#include "Persistence/Tree/StreamBytes.h"
 
 TBuffer::TBuffer() : TBuffer(BufferTag) {}
 
@@ -40,20 +45,40 @@ bool TBuffer::Attach(void *data, std::size_t size, ReleaseFunction release, void
 
 void TBuffer::Load(CtkStream &stream) {
     TSList::Load(stream);
-    std::uint32_t size = 0;
-    stream.Read(&size, sizeof size);
-    if (!TryAllocate(size))
+    LoadBlock(stream, Persistence::ReadValue<std::uint32_t>(stream));
+}
+
+// A stream can claim any size. Where its length is known that settles it; otherwise the block grows with what has
+// really come.
+void TBuffer::LoadBlock(CtkStream &stream, std::size_t size) {
+    constexpr std::size_t firstPortion = 64 * 1024;
+    const std::size_t known = Persistence::BytesKnownToFollow(stream);
+    if (size > known)
+        throw CtkExceptionObject(Persistence::ReadTooShort);
+    std::size_t portion = known == Persistence::UnknownLength ? std::min(size, firstPortion) : size;
+    if (!TryAllocate(portion))
         throw CtkExceptionObject("Impossible to load TBuffer.");
-    if (stream.Read(data_, size_) < size_)
-        throw CtkExceptionObject("Read attempt beyond the end of the stream while loading TBuffer object.");
+    for (std::size_t loaded = 0;; portion = std::min(size - loaded, loaded)) {
+        if (loaded > 0 && !TryGrow(loaded + portion))
+            throw CtkExceptionObject("Impossible to load TBuffer.");
+        Persistence::ReadExactly(stream, static_cast<char *>(data_) + loaded, portion);
+        loaded += portion;
+        if (loaded == size)
+            return;
+    }
 }
 
 void TBuffer::Store(CtkStream &stream) {
     TSList::Store(stream);
-    const auto size = static_cast<std::uint32_t>(size_);
-    stream.Write(&size, sizeof size);
-    if (stream.Write(data_, size_) < size_)
-        throw CtkExceptionObject("Stream too small to take up the contents of the TBuffer object.");
+    StoreBlock(stream, data_, size_);
+}
+
+void TBuffer::StoreBlock(CtkStream &stream, const void *data, std::size_t size) {
+    if (size > std::numeric_limits<std::uint32_t>::max())
+        throw CtkExceptionObject(Persistence::WriteTooShort);
+    Persistence::WriteValue(stream, static_cast<std::uint32_t>(size));
+    if (size > 0)
+        Persistence::WriteExactly(stream, data, size);
 }
 
 void TBuffer::Replicate(TSList &source) {
@@ -76,6 +101,16 @@ bool TBuffer::TryAllocate(std::size_t size) noexcept {
         return false;
     size_ = size;
     owned_ = true;
+    return true;
+}
+
+/// Makes an own block larger; its bytes stay.
+bool TBuffer::TryGrow(std::size_t size) noexcept {
+    void *grown = std::realloc(data_, size);
+    if (grown == nullptr)
+        return false;
+    data_ = grown;
+    size_ = size;
     return true;
 }
 

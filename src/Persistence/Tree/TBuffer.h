@@ -39,7 +39,12 @@ protected:
     /// For classes that derive from a buffer and have a tag of their own.
     explicit TBuffer(std::uint32_t classTag);
 
+    /// A size of 32 bits and then the bytes. Throws CtkExceptionObject for more bytes than such a size can tell.
+    static void StoreBlock(CtkStream &stream, const void *data, std::size_t size);
+
 private:
+    void LoadBlock(CtkStream &stream, std::size_t size);
+    bool TryGrow(std::size_t size) noexcept;
     bool TryAllocate(std::size_t size) noexcept;
     void GiveBack() noexcept;
 

@@ -1,5 +1,9 @@
 #include "Persistence/Tree/TSList.h"
 
+#include "CtkDLList.h"
+#include "Persistence/Tree/ObjectStream.h"
+#include "Persistence/Tree/StreamBytes.h"
+
 template class CtkDLList<TSList *>;
 
 namespace {
@@ -29,10 +33,13 @@ std::int32_t TSList::Share() {
 
 void TSList::Load(CtkStream &stream) {
     Reset();
-    std::int32_t children = 0;
-    stream.Read(&children, sizeof children);
-    if (children > 0)
-        throw CtkExceptionObject("Attempt to load unregistered Class.");
+    Persistence::NumberLoaded(*this);
+    const auto children = Persistence::ReadValue<std::int32_t>(stream);
+    for (std::int32_t i = 0; i < children; ++i) {
+        auto child = Persistence::ReadObject(stream);
+        AddTail(child.Get());
+        static_cast<void>(child.Detach());
+    }
 }
 
 // Required: the children go first. The own count keeps the list alive for the walk, and once it is given back another
@@ -48,15 +55,23 @@ std::int32_t TSList::Release() {
 }
 
 void TSList::Replicate(TSList &source) {
-    if (source.tag_ != tag_ || source.GetCount() > 0)
+    if (source.tag_ != tag_)
         throw CtkExceptionObject("Impossible replication request.");
+    if (&source == this)
+        return;
+    Persistence::NumberStored(source, *this);
+    for (const Node *node = source.HeadNode(); node != nullptr; node = node->Next) {
+        auto child = Persistence::ReplicateObject(node->Item);
+        AddTail(child.Get());
+        static_cast<void>(child.Detach());
+    }
 }
 
 void TSList::Store(CtkStream &stream) {
-    const std::int32_t children = GetCount();
-    stream.Write(&children, sizeof children);
-    if (children > 0)
-        throw CtkExceptionObject("Attempt to store unregistered Class.");
+    Persistence::NumberStored(*this, *this);
+    Persistence::WriteValue(stream, GetCount());
+    for (const Node *node = HeadNode(); node != nullptr; node = node->Next)
+        Persistence::WriteObject(stream, node->Item);
 }
 
 void TSList::ClearStreamIndex() {

@@ -8,7 +8,6 @@
 
 namespace {
 
-using Persistence::Adopt;
 using Persistence::MakeNode;
 using TestSupport::StringStream;
 using TestSupport::ThrownText;
@@ -276,9 +275,6 @@ TEST(TBuffer, ReplicatesBuffersOnly) {
     const auto list = MakeNode<TSList>();
     const auto copy = MakeNode<TBuffer>();
     EXPECT_EQ(ThrownText([&] { copy->Replicate(*list); }), "Impossible replication requested.");
-    const auto parent = MakeNode<TBuffer>();
-    Adopt(*parent, MakeNode<TBuffer>());
-    EXPECT_EQ(ThrownText([&] { copy->Replicate(*parent); }), "Impossible replication request.");
 }
 
 } // namespace

@@ -216,9 +216,18 @@ TEST(TSList, WithoutChildrenIsStoredAsFourZeroBytes) {
     EXPECT_EQ(stream.Bytes, std::string(4, '\0'));
 }
 
-TEST(TSList, WithChildrenCannotBeStoredWithoutARegistry) {
+TEST(TSList, StoresARecordForEachChild) {
     const auto node = MakeNode<TSList>();
     Adopt(*node, MakeNode<TSList>());
+    Adopt(*node, MakeNode<TSList>());
+    StringStream stream;
+    node->Store(stream);
+    EXPECT_EQ(stream.Bytes, std::string("\2\0\0\0\xA0\x0F\0\0\0\0\0\0\xA0\x0F\0\0\0\0\0\0", 20));
+}
+
+TEST(TSList, WithANullChildCannotBeStored) {
+    const auto node = MakeNode<TSList>();
+    node->AddTail(nullptr);
     StringStream stream;
     EXPECT_EQ(ThrownText([&] { node->Store(stream); }), "Attempt to store unregistered Class.");
     EXPECT_EQ(stream.Bytes, std::string("\1\0\0\0", 4));
@@ -233,26 +242,39 @@ TEST(TSList, LoadsABodyWithoutChildren) {
         EXPECT_EQ(node->GetCount(), 0);
         EXPECT_EQ(node->GetStreamIndex(), -1);
     }
-    StringStream empty;
-    node->Load(empty);
-    EXPECT_EQ(node->GetCount(), 0);
 }
 
-TEST(TSList, CannotLoadChildrenWithoutARegistry) {
+TEST(TSList, FailsToLoadWithoutAWholeCount) {
     const auto node = MakeNode<TSList>();
-    StringStream stream(std::string("\2\0\0\0", 4));
+    StringStream stream(std::string(3, '\0'));
+    EXPECT_NE(ThrownText([&] { node->Load(stream); }), "nothing thrown");
+}
+
+TEST(TSList, CannotLoadAChildOfAnUnknownClass) {
+    const auto node = MakeNode<TSList>();
+    StringStream stream(std::string("\2\0\0\0\xA1\x0E\0\0", 8));
     EXPECT_EQ(ThrownText([&] { node->Load(stream); }), "Attempt to load unregistered Class.");
     EXPECT_EQ(node->GetCount(), 0);
 }
 
-TEST(TSList, ReplicatesANodeWithoutChildrenOnly) {
+TEST(TSList, LoadsItsChildren) {
+    const auto node = MakeNode<TSList>();
+    StringStream stream(std::string("\1\0\0\0\xA0\x0F\0\0\0\0\0\0", 12));
+    node->Load(stream);
+    ASSERT_EQ(node->GetCount(), 1);
+    EXPECT_EQ(node->HeadValue()->GetClassId(), 0u);
+    EXPECT_EQ(node->HeadValue()->GetRefCount(), 1);
+}
+
+TEST(TSList, ReplicatesAllChildren) {
     const auto source = MakeNode<TSList>();
+    Adopt(Adopt(*source, MakeNode<TSList>()), MakeNode<TSList>());
     const auto copy = MakeNode<TSList>();
     copy->Replicate(*source);
-    EXPECT_EQ(copy->GetCount(), 0);
-    Adopt(*source, MakeNode<TSList>());
-    EXPECT_EQ(ThrownText([&] { copy->Replicate(*source); }), "Impossible replication request.");
-    EXPECT_EQ(copy->GetCount(), 0);
+    ASSERT_EQ(copy->GetCount(), 1);
+    EXPECT_NE(copy->HeadValue(), source->HeadValue());
+    EXPECT_EQ(copy->HeadValue()->GetCount(), 1);
+    EXPECT_EQ(copy->HeadValue()->GetRefCount(), 1);
 }
 
 } // namespace
