@@ -2,29 +2,23 @@
 // reported when the core throws.
 #pragma once
 
-#include <type_traits>
 #include <utility>
 
-#include "Image/VpatAnalyzer.h"
 #include "Interface/Boundary.h"
 #include "Interface/ErrorTexts.h"
+#include "Interface/ImageGuard.h"
 
 namespace Drawing {
 
 constexpr std::uint32_t NoAntiAliasing = 0; ///< the only mode that exists
 
-/// Calls core(const Image::vpat_analyzer &), or core(pOLE::IImageVPA &) where that is what core takes, under the
-/// boundary of the family. The image is given back before anything that core throws is reported.
+/// Calls core(pOLE::IImageVPA &) under the boundary of the family. The image is given back before anything that core
+/// throws is reported.
 template <class Core>
 std::int32_t RunOnHeldImage(Interface::ImageForCall held, const char *functionName, Core &&core) {
     return Interface::LadderBoundary(functionName, [&held, &core] {
-        if constexpr (std::is_invocable_v<Core, pOLE::IImageVPA &>) {
-            const Interface::ImageForCall image = std::move(held);
-            core(*image.Get());
-        } else {
-            const Image::vpat_analyzer image(std::move(held));
-            core(image);
-        }
+        const Interface::ImageForCall image = std::move(held);
+        core(*image.Get());
     });
 }
 

@@ -9,26 +9,6 @@
 #include "TruncateTo.h"
 
 namespace Drawing {
-namespace {
-
-/// The analysis shows an image that refuses its size, or tells what can't be, as one without planes.
-void RequireToldSize(pOLE::IImageVPA &image) {
-    std::intptr_t planes = 0, width = 0, height = 0;
-    if (image.GetImageDimensions(&planes, &width, &height) != 0 || planes < 0 || width < 0 || height < 0)
-        throw std::runtime_error("image invalid");
-}
-
-} // namespace
-
-DrawnPlane PlaneOf(const Image::vpat_analyzer &image, std::intptr_t plane) {
-    if (image.Planes() == 0)
-        RequireToldSize(image.Image());
-    if (plane < 0 || plane >= image.Planes())
-        throw std::out_of_range("Plane index out of range");
-    return {static_cast<char *>(image.PlaneBase(plane)), image.Table(plane), image.Width(), image.Height(),
-            image.Datatype(plane)};
-}
-
 DrawnPlane PlaneOf(pOLE::IImageVPA &image, std::intptr_t plane) {
     Image::Dimensions size;
     const bool isTold = image.GetImageDimensions(&size.Planes, &size.Width, &size.Height) == 0;

@@ -4,8 +4,7 @@
 
 #include <cstdint>
 
-#include "Image/DataType.h"
-#include "Image/VpatAnalyzer.h"
+#include "Image/PlaneFacts.h"
 
 namespace Drawing {
 
@@ -22,11 +21,9 @@ struct DrawnPlane {
     bool Contains(std::intptr_t x, std::intptr_t y) const { return x >= 0 && y >= 0 && x < Width && y < Height; }
 };
 
-/// Throws std::out_of_range "Plane index out of range" for a number that is none of the image's planes, and
-/// std::runtime_error "image invalid" for an image that refuses its size.
-DrawnPlane PlaneOf(const Image::vpat_analyzer &image, std::intptr_t plane);
-/// The same of an image without an analysis, which costs more than a short line does: every plane is asked for, but
-/// only one is kept. Also throws std::runtime_error "image invalid" for an image that refuses one of its planes.
+/// Reads the image itself: an analysis costs more than a short line does. Every plane is asked for, one is kept.
+/// Throws std::runtime_error "image invalid" for an image that refuses its size or one of its planes, and
+/// std::out_of_range "Plane index out of range" for a number that is none of its planes.
 DrawnPlane PlaneOf(pOLE::IImageVPA &image, std::intptr_t plane);
 
 /// Throws std::logic_error "Unsupported image data type: " with the kind and the bits of a type.

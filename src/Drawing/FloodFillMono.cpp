@@ -109,8 +109,8 @@ void Fill(const DrawnPlane &plane, orvBase::Point start, const AnyBoundary &boun
 
 int32_t FloodFillMono(void *image, intptr_t plane, intptr_t x, intptr_t y, double value, double tolerance) {
     using namespace Drawing;
-    return RunOnImage(image, FloodFill::FunctionName, [=](const Image::vpat_analyzer &tables) {
-        const DrawnPlane drawn = PlaneOf(tables, plane);
+    return RunOnImage(image, FloodFill::FunctionName, [=](pOLE::IImageVPA &held) {
+        const DrawnPlane drawn = PlaneOf(held, plane);
         const FloodFill::AnyBoundary boundary = {{value, tolerance}};
         ForDrawnType(drawn.Type, [&]<class T>() { FloodFill::Fill<T>(drawn, {LowWord(x), LowWord(y)}, boundary); });
     });
